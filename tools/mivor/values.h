@@ -1,0 +1,31 @@
+// Reading and printing values of every kind for the `mivor` command.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "exports/registry.h"
+
+namespace mivor::tool {
+
+using exports::Value;
+
+// Parses `text` as a value of `kind` (i4 i8 l4 r4 r8 r16 ...).  Numbers are
+// decimal, or a bit pattern in hex ("0x3F800000"; for r16 the 32 hex digits
+// of words 3, 2, 1, 0).  Complex values are "re,im".
+std::optional<Value> parse_value(std::string_view kind, std::string_view text);
+
+// "0xBITS (decimal)" for a value of `kind`.
+std::string format_value(std::string_view kind, const Value& v);
+
+// The bytes of a value of `kind` that carry information (no padding).
+std::size_t significant_size(std::string_view kind);
+
+// The type code of the error record for a real kind (9, 10, 11), else 0.
+std::int32_t type_code_of(std::string_view kind);
+// The real kind named by a type code, or "" when there is none.
+std::string_view kind_of_type_code(std::int32_t code);
+
+}  // namespace mivor::tool
