@@ -13,6 +13,11 @@ macro(mivor_use_googletest)
     add_subdirectory(/usr/src/googletest/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
     foreach(t gtest gtest_main)
       target_compile_options(${t} PRIVATE -w)
+      if(WIN32)
+        # The -win32 mingw toolchain has no std::mutex, which GoogleTest
+        # needs for one internal class.
+        target_compile_options(${t} PUBLIC -include ${PROJECT_SOURCE_DIR}/tests/support/mingw_std_mutex.h)
+      endif()
     endforeach()
   endif()
 endmacro()

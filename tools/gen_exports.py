@@ -31,6 +31,9 @@ ARG_TYPES = {
     "c4": "mivor_complex4", "c8": "mivor_complex8", "c16": "mivor_complex16",
     "anyreal": "void", "desc": "void", "argblk": "void",
 }
+# Arguments passed by value rather than by address (a few kernels that
+# sibling libraries call with their operands on the stack).
+BY_VALUE_ARGS = {"r8v": "double", "r16v": "mivor_real16"}
 # Value kinds returned by value.
 VALUE_RESULTS = {
     "r4": "float", "r8": "double", "r8x": "long double",
@@ -64,7 +67,7 @@ class Row:
         if self.result not in VALUE_RESULTS and self.result not in POINTER_RESULTS:
             raise SystemExit(f"exports.tab:{line_no}: unknown result kind {self.result}")
         for a in self.args:
-            if a not in ARG_TYPES and a != "v2r8":
+            if a not in ARG_TYPES and a != "v2r8" and a not in BY_VALUE_ARGS:
                 raise SystemExit(f"exports.tab:{line_no}: unknown argument kind {a}")
         for e in self.errors:
             if not e.isdigit():
@@ -85,6 +88,8 @@ class Row:
         for i, a in enumerate(self.args):
             if a == "v2r8":
                 params.append(f"__m128d x{i}")
+            elif a in BY_VALUE_ARGS:
+                params.append(f"{BY_VALUE_ARGS[a]} a{i}")
             else:
                 params.append(f"const {ARG_TYPES[a]} *a{i}")
         return f"MIVOR_API {ret}{self.name}({', '.join(params) or 'void'});"
@@ -173,6 +178,8 @@ def thunk(row):
     for i, a in enumerate(row.args):
         if a == "v2r8":
             call_args.append(f"a[{i}].v2r8")
+        elif a in BY_VALUE_ARGS:
+            call_args.append(f"a[{i}].{a[:-1]}")
         elif a in ("anyreal", "desc", "argblk"):
             call_args.append(f"a[{i}].bytes")
         else:

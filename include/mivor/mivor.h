@@ -35,6 +35,8 @@ extern "C" {
 /* elementary */
 MIVOR_API float g_sqrt(const float *a0);
 MIVOR_API long double g_dsqrt(const double *a0);
+MIVOR_API float g_cbrt(const float *a0);
+MIVOR_API long double g_dcbrt(const double *a0);
 
 /* power */
 MIVOR_API float g_arxi(const float *a0, const int32_t *a1);

@@ -187,6 +187,7 @@ std::string show16(const mivor_real16& q) {
 }  // namespace
 
 std::optional<Value> parse_value(std::string_view kind, std::string_view text) {
+    kind = value_kind(kind);
     Value v{};
     if (kind == "i4" || kind == "l4") {
         auto i = parse_integer(text);
@@ -237,6 +238,7 @@ std::optional<Value> parse_value(std::string_view kind, std::string_view text) {
 }
 
 std::string format_value(std::string_view kind, const Value& v) {
+    kind = value_kind(kind);
     char buf[160];
     if (kind == "i4" || kind == "l4") {
         std::snprintf(buf, sizeof buf, "%s (%" PRId32 ")", hex32(static_cast<std::uint32_t>(v.i4)).c_str(), v.i4);

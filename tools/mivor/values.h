@@ -12,6 +12,14 @@ namespace mivor::tool {
 
 using exports::Value;
 
+// The kind of the value behind an argument kind: by-value arguments (r8v,
+// r16v) hold the same values as their by-address kinds.
+constexpr std::string_view value_kind(std::string_view kind) {
+    if (kind == "r8v") return "r8";
+    if (kind == "r16v") return "r16";
+    return kind;
+}
+
 // Parses `text` as a value of `kind` (i4 i8 l4 r4 r8 r16 ...).  Numbers are
 // decimal, or a bit pattern in hex ("0x3F800000"; for r16 the 32 hex digits
 // of words 3, 2, 1, 0).  Complex values are "re,im".
