@@ -23,12 +23,16 @@ PACKAGES=(
   gfortran libopenblas-dev
 )
 
+# Google Benchmark for the i386 flavour's benchmarks.
+I386_PACKAGES=(libbenchmark-dev:i386)
+
 missing=()
-for p in "${PACKAGES[@]}"; do
+for p in "${PACKAGES[@]}" "${I386_PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
 done
 if [ ${#missing[@]} -gt 0 ]; then
   echo "install-deps: installing ${missing[*]}"
+  grep -qx i386 <(dpkg --print-foreign-architectures) || $SUDO dpkg --add-architecture i386
   $SUDO apt-get -q update || echo "install-deps: apt-get update reported errors; trying anyway" >&2
   $SUDO apt-get -q install -y --no-install-recommends "${missing[@]}" || {
     echo "install-deps: could not install ${missing[*]}" >&2
