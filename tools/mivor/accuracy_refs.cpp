@@ -1,0 +1,134 @@
+// The reference registry of `mivor accuracy`.
+//
+// One row per export: name, MPFR function, argument kind, domain, hard
+// ranges (and, for REAL(4) functions, an optional fast reference for
+// --exhaustive).  Rows of exports that are not implemented yet are skipped
+// by the tool, so a row can come before its function.
+//
+// The domain holds only arguments that the export answers without an error
+// report: the tool declines every report (and counts them), but a domain
+// that reaches into the reporting range measures the fallback values, not
+// the function.  Hard ranges are clipped to the domain.
+//
+// To add a function: one Reference line below, reusing or adding a range
+// set.  Functions MPFR lacks (degrees, quadrants) take a capture-free
+// lambda with the MpfrFunction signature.
+#include "accuracy_refs.h"
+
+#include <cfloat>
+#include <cmath>
+
+namespace mivor::accuracy {
+namespace {
+
+constexpr double kDmax = DBL_MAX;
+constexpr float kFmax = FLT_MAX;
+
+// ---- hard ranges, shared by kind -------------------------------------
+
+constexpr Range kCbrtHard8[] = {
+    {"subnormals", Spread::Bits, -0x1p-1022, 0x1p-1022},
+    {"near overflow", Spread::LogUniform, 0x1p1000, kDmax, true},
+    {"near 1", Spread::Bits, 0.5, 2.0},
+    {"table row starts (1 + j/16, times 1, 2, 4)", Spread::NearMultiples, 16, 128, false, nullptr, 1.0 / 16},
+    {"tiny normals", Spread::LogUniform, 0x1p-1022, 0x1p-1000, true},
+};
+constexpr Range kCbrtHard4[] = {
+    {"subnormals", Spread::Bits, -0x1p-126, 0x1p-126},
+    {"near overflow", Spread::LogUniform, 0x1p120, kFmax, true},
+    {"near 1", Spread::Bits, 0.5, 2.0},
+    {"table row starts (1 + j/16, times 1, 2, 4)", Spread::NearMultiples, 16, 128, false, nullptr, 1.0 / 16},
+};
+
+constexpr Range kSqrtHard8[] = {
+    {"subnormals", Spread::Bits, 0, 0x1p-1022},
+    {"near overflow", Spread::LogUniform, 0x1p1000, kDmax},
+    {"near 1", Spread::Bits, 0.5, 2.0},
+};
+constexpr Range kSqrtHard4[] = {
+    {"subnormals", Spread::Bits, 0, 0x1p-126},
+    {"near overflow", Spread::LogUniform, 0x1p120, kFmax},
+    {"near 1", Spread::Bits, 0.5, 2.0},
+};
+
+// exp: both ends of the range, tiny arguments (result near 1), and the
+// table points k ln2/256 where the reduced argument is near 0.
+constexpr Range kExpHard8[] = {
+    {"near overflow", Spread::Bits, 700.0, 709.78},
+    {"near underflow, subnormal results", Spread::Bits, -709.08, -700.0},
+    {"tiny", Spread::LogUniform, 0x1p-60, 0x1p-20, true},
+    {"near k ln2/256", Spread::NearMultiples, -180000, 180000, false, mpfr_const_log2, 1.0 / 256},
+};
+constexpr Range kExpHard4[] = {
+    {"near overflow", Spread::Bits, 80.0, 88.72},
+    {"near underflow", Spread::Bits, -87.3, -80.0},
+    {"tiny", Spread::LogUniform, 0x1p-30, 0x1p-10, true},
+};
+
+// log: near 1 (cancellation), subnormals, the top of the range.
+constexpr Range kLogHard8[] = {
+    {"near 1", Spread::Bits, 0.99, 1.01},
+    {"subnormals", Spread::Bits, 0x1p-1074, 0x1p-1022},
+    {"near overflow", Spread::LogUniform, 0x1p1000, kDmax},
+};
+constexpr Range kLogHard4[] = {
+    {"near 1", Spread::Bits, 0.99, 1.01},
+    {"subnormals", Spread::Bits, 0x1p-149, 0x1p-126},
+    {"near overflow", Spread::LogUniform, 0x1p120, kFmax},
+};
+
+// sin, cos: near multiples of pi/2 (tiny reduced arguments) over the ladder,
+// the Cody-Waite and the three-constant ranges; tiny arguments.
+constexpr Range kTrigHard8[] = {
+    {"near k pi/2, |k| <= 8", Spread::NearMultiples, -8, 8, false, mpfr_const_pi, 0.5},
+    {"near k pi/2, k to 6.7e7", Spread::NearMultiples, 9, 67000000, false, mpfr_const_pi, 0.5},
+    {"near k pi/2, k to 2^31", Spread::NearMultiples, 67000000, 2147483647, false, mpfr_const_pi, 0.5},
+    {"tiny", Spread::LogUniform, 0x1p-40, 0x1p-5, true},
+    {"large", Spread::LogUniform, 1.05e8, 3.5e15, true},
+};
+constexpr Range kTrigHard4[] = {
+    {"near k pi/2, |k| <= 8", Spread::NearMultiples, -8, 8, false, mpfr_const_pi, 0.5},
+    {"near k pi/2, k to 5e5", Spread::NearMultiples, 9, 520000, false, mpfr_const_pi, 0.5},
+    {"tiny", Spread::LogUniform, 0x1p-30, 0x1p-5, true},
+};
+
+// ---- fast references for --exhaustive ----------------------------------
+
+// cbrt: the platform's double cube root (within a few ulps, 2^-50) refined
+// by one Newton step in extended precision: the step leaves e^2 = 2^-100
+// plus its own roundings, a few units of 2^-64; 2^-60 bounds the sum.
+long double fast_cbrt(long double x) {
+    const long double y0 = std::cbrt(static_cast<double>(x));
+    return y0 - (y0 - x / (y0 * y0)) / 3.0L;
+}
+// sqrt: FSQRT is correctly rounded to 64 bits.
+long double fast_sqrt(long double x) { return std::sqrt(x); }
+
+// ---- the rows ----------------------------------------------------------
+
+constexpr Reference kReferences[] = {
+    {"g_dcbrt", mpfr_cbrt, "r8", -kDmax, kDmax, kCbrtHard8},
+    {"g_cbrt", mpfr_cbrt, "r4", -kFmax, kFmax, kCbrtHard4, fast_cbrt, 60},
+    {"g_dsqrt", mpfr_sqrt, "r8", 0.0, kDmax, kSqrtHard8},
+    {"g_sqrt", mpfr_sqrt, "r4", 0.0, kFmax, kSqrtHard4, fast_sqrt, 62},
+    {"g_dexp", mpfr_exp, "r8", -709.08, 709.78, kExpHard8},  // below: +0 on purpose
+    {"g_exp", mpfr_exp, "r4", -87.3, 88.72, kExpHard4},
+    {"g_dlog", mpfr_log, "r8", 0x1p-1074, kDmax, kLogHard8},
+    {"g_alog", mpfr_log, "r4", 0x1p-149, kFmax, kLogHard4},
+    {"g_dsin", mpfr_sin, "r8", -3.5e15, 3.5e15, kTrigHard8},
+    {"g_dcos", mpfr_cos, "r8", -3.5e15, 3.5e15, kTrigHard8},
+    {"g_sin", mpfr_sin, "r4", -823000.0, 823000.0, kTrigHard4},
+    {"g_cos", mpfr_cos, "r4", -823000.0, 823000.0, kTrigHard4},
+};
+
+}  // namespace
+
+std::span<const Reference> references() { return kReferences; }
+
+const Reference* find_reference(std::string_view name) {
+    for (const Reference& r : kReferences)
+        if (r.name == name) return &r;
+    return nullptr;
+}
+
+}  // namespace mivor::accuracy
