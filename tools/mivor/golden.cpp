@@ -108,18 +108,6 @@ Value random_value(Random& r, std::string_view kind) {
     return v;
 }
 
-std::vector<std::string_view> split(std::string_view list) {
-    std::vector<std::string_view> out;
-    if (list == "-") return out;
-    while (!list.empty()) {
-        const auto comma = list.find(',');
-        out.push_back(list.substr(0, comma));
-        if (comma == std::string_view::npos) break;
-        list.remove_prefix(comma + 1);
-    }
-    return out;
-}
-
 // Declines every retry and remembers the error numbers of the current case.
 std::vector<std::int32_t>* g_reports = nullptr;
 void recording_handler(void*) {
@@ -144,7 +132,7 @@ void quiet_signalling_nan(std::string_view kind, Value& v) {
 }
 
 bool supported(const exports::Row& row) {
-    for (std::string_view k : split(row.args))
+    for (std::string_view k : split_kinds(row.args))
         if (k == "desc" || k == "argblk") return false;
     return true;
 }
@@ -165,7 +153,7 @@ int run_golden(const GoldenOptions& options) {
             std::printf("%.*s skipped\n", static_cast<int>(row.name.size()), row.name.data());
             continue;
         }
-        const std::vector<std::string_view> kinds = split(row.args);
+        const std::vector<std::string_view> kinds = split_kinds(row.args);
         std::uint64_t seed = fnv1a(0xCBF29CE484222325u, row.name.data(), row.name.size());
         Random random{seed};
         std::uint64_t digest = 0xCBF29CE484222325u;

@@ -36,18 +36,6 @@
 namespace mivor::tool {
 namespace {
 
-std::vector<std::string_view> split(std::string_view list) {
-    std::vector<std::string_view> out;
-    if (list == "-") return out;
-    while (!list.empty()) {
-        const auto comma = list.find(',');
-        out.push_back(list.substr(0, comma));
-        if (comma == std::string_view::npos) break;
-        list.remove_prefix(comma + 1);
-    }
-    return out;
-}
-
 void print_sv(std::string_view s) { std::fwrite(s.data(), 1, s.size(), stdout); }
 
 int usage() {
@@ -155,7 +143,7 @@ int call(int argc, char** argv) {
         return 2;
     }
     g_call.row = row;
-    g_call.kinds = split(row->args);
+    g_call.kinds = split_kinds(row->args);
     std::vector<std::string_view> texts;
     jwe_control_area& area = jwe_lca;
     area.handler = &call_handler;

@@ -283,6 +283,18 @@ std::size_t significant_size(std::string_view kind) {
     return 0;
 }
 
+std::vector<std::string_view> split_kinds(std::string_view list) {
+    std::vector<std::string_view> out;
+    if (list == "-") return out;
+    while (!list.empty()) {
+        const auto comma = list.find(',');
+        out.push_back(list.substr(0, comma));
+        if (comma == std::string_view::npos) break;
+        list.remove_prefix(comma + 1);
+    }
+    return out;
+}
+
 std::int32_t type_code_of(std::string_view kind) {
     if (kind == "r4") return MIVOR_TYPE_REAL4;
     if (kind == "r8") return MIVOR_TYPE_REAL8;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "exports/registry.h"
 
@@ -30,6 +31,9 @@ std::string format_value(std::string_view kind, const Value& v);
 
 // The bytes of a value of `kind` that carry information (no padding).
 std::size_t significant_size(std::string_view kind);
+
+// The kinds of a comma-separated list ("r8,i4"); "-" is the empty list.
+std::vector<std::string_view> split_kinds(std::string_view list);
 
 // The type code of the error record for a real kind (9, 10, 11), else 0.
 std::int32_t type_code_of(std::string_view kind);
