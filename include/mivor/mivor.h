@@ -32,6 +32,38 @@
 extern "C" {
 #endif
 
+/* quad */
+MIVOR_API double g_dbleq(const mivor_real16 *a0);
+MIVOR_API float g_snglq(const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qextd(mivor_real16 *result, const double *a0);
+MIVOR_API mivor_real16 *g_qext(mivor_real16 *result, const float *a0);
+MIVOR_API mivor_real16 *g_qfloat(mivor_real16 *result, const int32_t *a0);
+MIVOR_API mivor_real16 *g_aqcj(mivor_real16 *result, const int64_t *a0);
+MIVOR_API int32_t g_iqint(const mivor_real16 *a0);
+MIVOR_API int64_t g_ajcq(const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qint(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *jwe_gqqc(mivor_real16 *result, mivor_real16 a0);
+MIVOR_API int32_t g_acmp(const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API int32_t g_acmpe(const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API int32_t g_afeq(const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API int32_t g_afne(const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API int32_t g_afgt(const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API int32_t g_afge(const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API int32_t g_aflt(const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API int32_t g_afle(const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_real16 *g_qabs(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qsign(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_real16 *g_qmax1(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_real16 *g_qmin1(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_complex16 *g_qcmplx(mivor_complex16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_real16 *g_qreal(mivor_real16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_real16 *g_qimag(mivor_real16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_complex16 *g_qconjg(mivor_complex16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_complex16 *g_qcmpxo(mivor_complex16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API float jwe_gflo(const float *a0);
+MIVOR_API double jwe_gfld(const double *a0);
+MIVOR_API mivor_real16 *jwe_gflq(mivor_real16 *result, const mivor_real16 *a0);
+
 /* elementary */
 MIVOR_API float g_sqrt(const float *a0);
 MIVOR_API long double g_dsqrt(const double *a0);
