@@ -33,6 +33,10 @@ extern "C" {
 #endif
 
 /* quad */
+MIVOR_API mivor_real16 *g_aqaq(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_real16 *g_aqsq(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_real16 *g_aqmq(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_real16 *g_aqdq(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
 MIVOR_API double g_dbleq(const mivor_real16 *a0);
 MIVOR_API float g_snglq(const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qextd(mivor_real16 *result, const double *a0);

@@ -342,8 +342,10 @@ void print_argument(double x, bool single) {
 void print_figure(const char* label, const Figure& f, bool single) {
     std::printf("  %-30s max %.6g at x = ", label, f.max < 0 ? 0.0 : f.max);
     print_argument(f.max_arg, single);
-    std::printf(", mean %.4g, correctly rounded %.4f%%\n", f.count ? f.sum / static_cast<double>(f.count) : 0.0,
-                f.count ? 100.0 * static_cast<double>(f.correct) / static_cast<double>(f.count) : 0.0);
+    std::printf(", mean %.4g, correctly rounded %.4f%% (%" PRIu64 " not)\n",
+                f.count ? f.sum / static_cast<double>(f.count) : 0.0,
+                f.count ? 100.0 * static_cast<double>(f.correct) / static_cast<double>(f.count) : 0.0,
+                f.count - f.correct);
     if (f.mismatches) {
         std::printf("  %-30s %" PRIu64 " NaN/Inf mismatches, first at x = ", "", f.mismatches);
         print_argument(f.mismatch_arg, single);

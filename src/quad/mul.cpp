@@ -1,0 +1,113 @@
+// g_aqmq: REAL(16) multiplication, x * y.
+//
+// The 226-bit product of the two 113-bit significands is formed exactly from
+// four 64 x 64 -> 128-bit word products (sixteen 32 x 32 -> 64-bit products
+// on the 32-bit targets), so no bit is lost before the one rounding: to
+// nearest, ties to even.  For operands and results in the normal range the
+// result is the correctly rounded IEEE binary128 product.
+//
+// The product of two significands in [1, 2) lies in [1, 4); the 113 bits
+// from its leading one are the result significand, the next 32 bits the
+// guard word and everything below them decides, by being zero or not,
+// whether an exact half is a tie.
+//
+// Kept on purpose, since compiled programs see every one of these bits:
+//  * only the top word decides whether an operand is zero, and a zero
+//    operand gives +0 whatever the signs: (-0) * 5 and (-3) * (+0) are +0;
+//  * no special operand is recognised: exponent field 0 is read with the
+//    implicit one, field 32767 as a finite number with that exponent;
+//  * no subnormal results: a final exponent field of 0 or below is
+//    underflow 1398, 32767 or above overflow 1397.
+// Fallbacks when the handler does not correct the operands: +0 for 1398;
+// for 1397 the infinity with the sign of x * y when IEEE results are asked
+// for, else +HUGE whatever the sign.
+#include "frame/report.h"
+#include "frame/special_values.h"
+#include "mivor/mivor.h"
+#include "quad/primitives.h"
+
+namespace mivor::quad {
+namespace {
+
+using detail::Status;
+
+constexpr std::int32_t kOverflow = 1397;
+constexpr std::int32_t kUnderflow = 1398;
+
+// x * y for non-zero tops.
+inline Status multiply_nonzero(const Real16& x, const Real16& y, Real16* out) {
+    const std::uint32_t sign = (x.w[3] ^ y.w[3]) & kSignBit;
+    std::int32_t e = static_cast<std::int32_t>(exponent_field(x)) + static_cast<std::int32_t>(exponent_field(y)) - kBias;
+    const std::uint64_t ah = detail::significand_high(x), al = detail::low_half(x);
+    const std::uint64_t bh = detail::significand_high(y), bl = detail::low_half(y);
+
+    // Columns of 64 bits: p3 (bits 192..), p2, p1, p0.  The cross products
+    // have high halves below 2^49, so no column sum overflows beyond the
+    // carries counted here.
+    std::uint64_t t1, u1, v1, p3;
+    const std::uint64_t p0 = detail::mul_64x64(al, bl, &t1);
+    const std::uint64_t u0 = detail::mul_64x64(al, bh, &u1);
+    const std::uint64_t v0 = detail::mul_64x64(ah, bl, &v1);
+    const std::uint64_t w0 = detail::mul_64x64(ah, bh, &p3);
+    std::uint64_t p1 = t1 + u0;
+    std::uint64_t c = p1 < u0;
+    p1 += v0;
+    c += p1 < v0;
+    std::uint64_t p2 = u1 + v1 + c;  // < 2^50
+    p2 += w0;
+    p3 += p2 < w0;
+
+    // The product is in [2^224, 2^226): its leading one is bit 32 or 33
+    // of p3.  Take the 113 bits from there, the extension word below them
+    // and jam the rest.
+    std::uint64_t hi, lo, ext;
+    if ((p3 >> 33) != 0) {
+        ++e;
+        hi = (p3 << 15) | (p2 >> 49);
+        lo = (p2 << 15) | (p1 >> 49);
+        ext = (p1 << 15) | (p0 >> 49) | ((p0 << 15) != 0);
+    } else {
+        hi = (p3 << 16) | (p2 >> 48);
+        lo = (p2 << 16) | (p1 >> 48);
+        ext = (p1 << 16) | (p0 >> 48) | ((p0 << 16) != 0);
+    }
+    return detail::round_and_pack(sign, e, hi, lo, ext, out);
+}
+
+// The report and its fallback; true when the handler corrected x and y
+// and the operation is to start again.
+[[gnu::cold]] bool report(Status status, Real16& x, Real16& y, Real16* out) {
+    const std::int32_t number = status == Status::overflow ? kOverflow : kUnderflow;
+    const report::Verdict v = report::full<report::Describe::none>(number, x, y);
+    if (v.retry) return true;
+    if (status == Status::underflow) {
+        *out = Real16{{0, 0, 0, 0}};
+    } else if (v.ieee_results) {
+        *out = ((x.w[3] ^ y.w[3]) & kSignBit) != 0 ? _MInf_Q : _Inf_Q;
+    } else {
+        *out = kHuge_Q;
+    }
+    return false;
+}
+
+}  // namespace
+}  // namespace mivor::quad
+
+using namespace mivor;
+
+extern "C" mivor_real16* g_aqmq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
+    Real16 x = *a;
+    Real16 y = *b;
+    Real16 r;
+    for (;;) {
+        if (quad::detail::top_is_zero(x.w[3]) || quad::detail::top_is_zero(y.w[3])) {
+            r = Real16{{0, 0, 0, 0}};
+        } else {
+            const quad::detail::Status s = quad::multiply_nonzero(x, y, &r);
+            if (s != quad::detail::Status::ok && quad::report(s, x, y, &r)) continue;
+        }
+        break;
+    }
+    *result = r;
+    return result;
+}

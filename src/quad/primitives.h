@@ -1,0 +1,141 @@
+// Small primitives of the REAL(16) operators: the working significand, word
+// products, rounding and packing.  Every routine is a pure function of its
+// arguments, inline, and gives the same bits in every flavour.
+//
+// The working significand is 113 bits held in two 64-bit halves:
+//   hi   bits 112..64, with the implicit one at bit 48 (value 1 << 48),
+//   lo   bits 63..0.
+// Below it, the extension word `ext` carries what lies beyond the last
+// significand bit: its upper 32 bits are the guard word G, and its lower 32
+// bits stand for the sticky word T -- they are non-zero exactly when some
+// bit below G is non-zero (shifts "jam" everything lost into bit 0).  The
+// rounding decision needs nothing more than G and whether T is zero, so the
+// arithmetic may move bits between the halves of `ext` freely as long as
+// that non-zero-ness is kept.
+//
+// On the 32-bit targets the compiler carries each 64-bit half in a register
+// pair; the 64-bit target uses its full-width multiply for `mul_64x64`.
+// No __int128 is used anywhere: the 32-bit targets have none.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/values.h"
+
+namespace mivor::quad::detail {
+
+inline constexpr std::uint64_t kImplicitOne = std::uint64_t{1} << 48;
+inline constexpr std::uint64_t kHiFractionMask = kImplicitOne - 1;
+inline constexpr std::uint64_t kHalfway = std::uint64_t{1} << 63;
+
+// The zero test of the operators looks at the top word only: w3 equal to
+// 0x00000000 or 0x80000000 is zero whatever the lower words hold.
+constexpr bool top_is_zero(std::uint32_t w3) { return (w3 & ~kSignBit) == 0; }
+
+// Upper half of the magnitude: exponent field in bits 62..48, top 16
+// fraction bits and w2 below it; the sign is dropped.  Comparing
+// (magnitude_high, low_half) pairs as unsigned numbers orders magnitudes.
+constexpr std::uint64_t magnitude_high(const Real16& q) {
+    return (std::uint64_t{q.w[3] & ~kSignBit} << 32) | q.w[2];
+}
+constexpr std::uint64_t low_half(const Real16& q) { return (std::uint64_t{q.w[1]} << 32) | q.w[0]; }
+
+// The significand's upper half with the implicit one set -- for every
+// exponent field, 0 included: the operators read no subnormals.
+constexpr std::uint64_t significand_high(const Real16& q) {
+    return (magnitude_high(q) & kHiFractionMask) | kImplicitOne;
+}
+
+// Full 64 x 64 -> 128-bit product: returns the low half, stores the high
+// half in *high.  Exact.
+inline std::uint64_t mul_64x64(std::uint64_t a, std::uint64_t b, std::uint64_t* high) {
+#if defined(__x86_64__)
+    std::uint64_t lo, hi;
+    __asm__("mulq %3" : "=a"(lo), "=d"(hi) : "%0"(a), "rm"(b) : "cc");
+    *high = hi;
+    return lo;
+#else
+    // Four 32 x 32 -> 64 products; the middle column cannot overflow 64
+    // bits: (2^32-1)^2 + 2 (2^32-1) < 2^64.
+    const std::uint32_t a0 = static_cast<std::uint32_t>(a), a1 = static_cast<std::uint32_t>(a >> 32);
+    const std::uint32_t b0 = static_cast<std::uint32_t>(b), b1 = static_cast<std::uint32_t>(b >> 32);
+    const std::uint64_t p00 = std::uint64_t{a0} * b0;
+    const std::uint64_t p01 = std::uint64_t{a0} * b1;
+    const std::uint64_t p10 = std::uint64_t{a1} * b0;
+    const std::uint64_t p11 = std::uint64_t{a1} * b1;
+    const std::uint64_t mid = (p00 >> 32) + static_cast<std::uint32_t>(p01) + static_cast<std::uint32_t>(p10);
+    *high = p11 + (p01 >> 32) + (p10 >> 32) + (mid >> 32);
+    return (mid << 32) | static_cast<std::uint32_t>(p00);
+#endif
+}
+
+// Low 64 bits of a product (the high half is not wanted).
+constexpr std::uint64_t mul_low(std::uint64_t a, std::uint64_t b) { return a * b; }
+
+// Shifts the 113-bit significand (hi, lo) right by d >= 1 bits into the
+// extension word, which starts out zero.  Every bit shifted out below the
+// extension word is ORed into its bit 0, so the guard word (the upper 32
+// bits of *ext) is exact and the lower 32 bits are non-zero exactly when a
+// bit below the guard word was.  Distances of 192 and more leave only the
+// sticky bit (the implicit one guarantees the significand is non-zero).
+inline void shift_right_extended(std::uint64_t& hi, std::uint64_t& lo, std::uint64_t* ext, int d) {
+    if (d < 64) {
+        *ext = lo << (64 - d);
+        lo = (lo >> d) | (hi << (64 - d));
+        hi >>= d;
+    } else if (d == 64) {
+        *ext = lo;
+        lo = hi;
+        hi = 0;
+    } else if (d < 128) {
+        const int s = d - 64;
+        *ext = (lo >> s) | (hi << (64 - s)) | ((lo << (64 - s)) != 0);
+        lo = hi >> s;
+        hi = 0;
+    } else if (d == 128) {
+        *ext = hi | (lo != 0);
+        lo = hi = 0;
+    } else if (d < 192) {
+        // hi < 2^49, so d >= 177 leaves only the sticky bit.
+        const int s = d - 128;
+        *ext = (hi >> s) | (((hi << (64 - s)) | lo) != 0);
+        lo = hi = 0;
+    } else {
+        *ext = 1;
+        lo = hi = 0;
+    }
+}
+
+// Outcome of rounding and packing: the packed word is only valid for ok.
+enum class Status { ok, underflow, overflow };
+
+// Rounds a normalised significand (hi in [2^48, 2^49)) with its extension
+// word to nearest, ties to even, and packs it with `sign` (bit 31 or 0) and
+// the exponent field `e` (a signed quantity that may lie far outside the
+// field's range).  A carry out of the significand on rounding up raises e
+// by one; the range is checked after rounding: e <= 0 is an underflow (no
+// subnormal results), e >= 32767 an overflow.
+//
+// The guard/sticky rule: G > 0x80000000, or G = 0x80000000 with T non-zero,
+// or an exact half with an odd last bit, rounds up.  On `ext` that is
+// ext > 2^63, or ext == 2^63 with lo odd.
+inline Status round_and_pack(std::uint32_t sign, std::int32_t e, std::uint64_t hi, std::uint64_t lo,
+                             std::uint64_t ext, Real16* out) {
+    // Without a branch: half of all results round up, unpredictably.
+    const std::uint64_t up = (ext > kHalfway) | ((ext == kHalfway) & lo);
+    lo += up;
+    hi += lo < up;
+    if (hi == (kImplicitOne << 1)) [[unlikely]] {  // all fraction bits were ones
+        hi = kImplicitOne;
+        ++e;
+    }
+    if (e <= 0) return Status::underflow;
+    if (e >= 0x7FFF) return Status::overflow;
+    out->w[0] = static_cast<std::uint32_t>(lo);
+    out->w[1] = static_cast<std::uint32_t>(lo >> 32);
+    out->w[2] = static_cast<std::uint32_t>(hi);
+    out->w[3] = sign + (static_cast<std::uint32_t>(e) << 16) + static_cast<std::uint32_t>((hi - kImplicitOne) >> 32);
+    return Status::ok;
+}
+
+}  // namespace mivor::quad::detail
