@@ -52,6 +52,14 @@ mivor_real16 near_float_range(Random& r, int i) {
 mivor_real16 integral_range(Random& r) { return real16_near(r, 16383 + 56, 60); }
 mivor_real16 int4_range(Random& r) { return real16_near(r, 16383 + 16, 20); }
 mivor_real16 int8_range(Random& r) { return real16_near(r, 16383 + 32, 36); }
+// A REAL(16) near the widened d (for cancellation) or anywhere.
+mivor_real16 partner_of(Random& r, double d) {
+    if (r.coin()) return real16_near(r, 16383, 1100);
+    mivor_real16 q;
+    g_qextd(&q, &d);
+    q.w[r.below(3)] ^= r.word();
+    return q;
+}
 
 using Run = void (*)(Random&, int, Digest&);
 
@@ -77,6 +85,24 @@ const Entry kEntries[] = {
     {"g_iqint", 0x03238B0729B17587, [](Random& r, int, Digest& d) { auto x = int4_range(r); d.add(g_iqint(&x)); }},
     {"g_ajcq", 0xF1EC4A1D514BA99E, [](Random& r, int, Digest& d) { auto x = int8_range(r); d.add(g_ajcq(&x)); }},
     {"g_qint", 0x51B49729480FF6DE, [](Random& r, int, Digest& d) { auto x = integral_range(r); d.add(r16([&](auto* p) { g_qint(p, &x); })); }},
+    {"g_qnint", 0x3D1A1E0B7137E7A4, [](Random& r, int, Digest& d) { auto x = integral_range(r); d.add(r16([&](auto* p) { g_qnint(p, &x); })); }},
+    {"g_iqnint", 0x1EFA84740F128123, [](Random& r, int, Digest& d) { auto x = int4_range(r); d.add(g_iqnint(&x)); }},
+    {"g_jqnint", 0x83C10D1F5CF9E8AA, [](Random& r, int, Digest& d) { auto x = int8_range(r); d.add(g_jqnint(&x)); }},
+    {"jwe_gdsq", 0x762796F3FCEDB6D0, [](Random& r, int, Digest& d) {
+         const double a = real8(r);
+         const auto b = partner_of(r, a);
+         d.add(r16([&](auto* p) { jwe_gdsq(p, a, b); }));
+     }},
+    {"jwe_gqmd", 0x244730E4ABA085DE, [](Random& r, int, Digest& d) {
+         const double a = real8(r);
+         const auto b = real16_near(r, 16383, 16380);
+         d.add(r16([&](auto* p) { jwe_gqmd(p, b, a); }));
+     }},
+    {"jwe_gddq", 0x689B3266A7DF5CA6, [](Random& r, int, Digest& d) {
+         const double a = real8(r);
+         const auto b = partner_of(r, a);
+         d.add(r16([&](auto* p) { jwe_gddq(p, a, b); }));
+     }},
     {"jwe_gqqc", 0x70AE52A42099C94D, [](Random& r, int, Digest& d) { auto x = real16_near(r, 16383, 3); d.add(r16([&](auto* p) { jwe_gqqc(p, x); })); }},
     {"g_acmp", 0xE3E474264DC5BF07, [](Random& r, int, Digest& d) { mivor_real16 x, y; comparison_pair(r, x, y); d.add(g_acmp(&x, &y)); }},
     {"g_acmpe", 0x3BB5192310517F57, [](Random& r, int, Digest& d) { mivor_real16 x, y; comparison_pair(r, x, y); d.add(g_acmpe(&x, &y)); }},
@@ -92,6 +118,15 @@ const Entry kEntries[] = {
          comparison_pair(r, x, y);
          d.add(r16([&](auto* p) { g_qsign(p, &x, &y); }));
      }},
+    {"g_qdim", 0xC223DD3F3261E2B3, [](Random& r, int, Digest& d) {
+         mivor_real16 x = real16_near(r, 16383, 200), y = r.coin() ? x : real16_near(r, 16383, 200);
+         y.w[0] ^= r.below(4);
+         d.add(r16([&](auto* p) { g_qdim(p, &x, &y); }));
+     }},
+    {"g_qmod", 0x044F30FBEF829C81, [](Random& r, int, Digest& d) {
+         const mivor_real16 x = real16_near(r, 16383 + 40, 60), y = real16_near(r, 16383, 40);
+         d.add(r16([&](auto* p) { g_qmod(p, &x, &y); }));
+     }},
     {"g_qmax1", 0x88A600CDF51F46C9, [](Random& r, int, Digest& d) {
          mivor_real16 x, y;
          comparison_pair(r, x, y);
@@ -101,6 +136,10 @@ const Entry kEntries[] = {
          mivor_real16 x, y;
          comparison_pair(r, x, y);
          d.add(r16([&](auto* p) { g_qmin1(p, &x, &y); }));
+     }},
+    {"g_qprod", 0xD270787980D743A7, [](Random& r, int, Digest& d) {
+         const double a = real8(r), b = real8(r);
+         d.add(r16([&](auto* p) { g_qprod(p, &a, &b); }));
      }},
     {"g_qcmplx", 0xB9A4C519254F74FB, [](Random& r, int, Digest& d) {
          const auto a = real16_any(r), b = real16_any(r);
