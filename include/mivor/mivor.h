@@ -78,10 +78,30 @@ MIVOR_API double jwe_gfld(const double *a0);
 MIVOR_API mivor_real16 *jwe_gflq(mivor_real16 *result, const mivor_real16 *a0);
 
 /* elementary */
+MIVOR_API float g_exp(const float *a0);
+MIVOR_API float g_exp2(const float *a0);
+MIVOR_API float g_exp10(const float *a0);
+MIVOR_API double g_dexp(const double *a0);
+MIVOR_API double g_dexp2(const double *a0);
+MIVOR_API double g_dexp10(const double *a0);
+MIVOR_API float g_alog(const float *a0);
+MIVOR_API float g_alog2(const float *a0);
+MIVOR_API float g_alog10(const float *a0);
+MIVOR_API float g_log(const float *a0);
+MIVOR_API float g_log2(const float *a0);
+MIVOR_API float g_log10(const float *a0);
+MIVOR_API double g_dlog(const double *a0);
+MIVOR_API double g_dlog2(const double *a0);
+MIVOR_API double g_dlog10(const double *a0);
 MIVOR_API float g_sqrt(const float *a0);
 MIVOR_API long double g_dsqrt(const double *a0);
 MIVOR_API float g_cbrt(const float *a0);
 MIVOR_API long double g_dcbrt(const double *a0);
+#if defined(__SSE2__)
+MIVOR_API __m128d pk_dexp(__m128d x0);
+MIVOR_API __m128d pk_dlog(__m128d x0);
+MIVOR_API __m128d pk_dlog10(__m128d x0);
+#endif
 
 /* power */
 MIVOR_API float g_arxi(const float *a0, const int32_t *a1);

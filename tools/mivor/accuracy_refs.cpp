@@ -65,6 +65,28 @@ constexpr Range kExpHard4[] = {
     {"tiny", Spread::LogUniform, 0x1p-30, 0x1p-10, true},
 };
 
+// exp2, exp10: the same ends, and tiny arguments.
+constexpr Range kExp2Hard8[] = {
+    {"near overflow", Spread::Bits, 1000.0, 1023.999},
+    {"subnormal results", Spread::Bits, -1023.0, -1000.0},
+    {"tiny", Spread::LogUniform, 0x1p-60, 0x1p-20, true},
+};
+constexpr Range kExp10Hard8[] = {
+    {"near overflow", Spread::Bits, 300.0, 308.25},
+    {"subnormal results", Spread::Bits, -307.9, -300.0},
+    {"tiny", Spread::LogUniform, 0x1p-60, 0x1p-20, true},
+};
+constexpr Range kExp2Hard4[] = {
+    {"near overflow", Spread::Bits, 120.0, 127.99},
+    {"subnormal results", Spread::Bits, -149.0, -120.0},
+    {"tiny", Spread::LogUniform, 0x1p-30, 0x1p-10, true},
+};
+constexpr Range kExp10Hard4[] = {
+    {"near overflow", Spread::Bits, 35.0, 38.5},
+    {"subnormal results", Spread::Bits, -44.8, -35.0},
+    {"tiny", Spread::LogUniform, 0x1p-30, 0x1p-10, true},
+};
+
 // log: near 1 (cancellation), subnormals, the top of the range.
 constexpr Range kLogHard8[] = {
     {"near 1", Spread::Bits, 0.99, 1.01},
@@ -113,8 +135,19 @@ constexpr Reference kReferences[] = {
     {"g_sqrt", mpfr_sqrt, "r4", 0.0, kFmax, kSqrtHard4, fast_sqrt, 62},
     {"g_dexp", mpfr_exp, "r8", -709.08, 709.78, kExpHard8},  // below: +0 on purpose
     {"g_exp", mpfr_exp, "r4", -87.3, 88.72, kExpHard4},
+    {"g_dexp2", mpfr_exp2, "r8", -1023.0, 1023.999, kExp2Hard8},  // below: +0 on purpose
+    {"g_dexp10", mpfr_exp10, "r8", -307.9, 308.25, kExp10Hard8},
+    {"g_exp2", mpfr_exp2, "r4", -149.0, 127.99, kExp2Hard4},
+    {"g_exp10", mpfr_exp10, "r4", -44.8, 38.5, kExp10Hard4},
     {"g_dlog", mpfr_log, "r8", 0x1p-1074, kDmax, kLogHard8},
+    {"g_dlog2", mpfr_log2, "r8", 0x1p-1074, kDmax, kLogHard8},
+    {"g_dlog10", mpfr_log10, "r8", 0x1p-1074, kDmax, kLogHard8},
     {"g_alog", mpfr_log, "r4", 0x1p-149, kFmax, kLogHard4},
+    {"g_alog2", mpfr_log2, "r4", 0x1p-149, kFmax, kLogHard4},
+    {"g_alog10", mpfr_log10, "r4", 0x1p-149, kFmax, kLogHard4},
+    {"g_log", mpfr_log, "r4", 0x1p-149, kFmax, kLogHard4},
+    {"g_log2", mpfr_log2, "r4", 0x1p-149, kFmax, kLogHard4},
+    {"g_log10", mpfr_log10, "r4", 0x1p-149, kFmax, kLogHard4},
     {"g_dsin", mpfr_sin, "r8", -3.5e15, 3.5e15, kTrigHard8},
     {"g_dcos", mpfr_cos, "r8", -3.5e15, 3.5e15, kTrigHard8},
     {"g_sin", mpfr_sin, "r4", -823000.0, 823000.0, kTrigHard4},

@@ -1,0 +1,219 @@
+// g_dlog, g_dlog2, g_dlog10, pk_dlog, pk_dlog10: logarithms in REAL(8).
+//
+// Method: x = 2^n (c_j + r) with x/2^n in [0.75, 1.5); c_j = (32 + j)/32 for
+// the 16 intervals of width 1/32 above 1 and (32 + j)/64 for those of width
+// 1/64 below, so r is exact: r = y - 1 in [0, 1/32) or y - 33/64 in
+// [-1/64, 0) where y is x with its exponent and top five fraction bits
+// replaced.  ln x = n ln 2 + ln c_j + r + r P_j(r), P_j of degree 7 fitted per
+// interval, so no division is needed.  n ln 2 + ln c_j + r + r p0 (the top
+// bits of p0) is summed in three exact Fast2Sum steps (|n ln2 hi| >= |ln c_j|
+// unless n = 0, and each partial sum is at least as large in exponent as
+// the next term) whose errors go, with the low parts, into the tail; the
+// result S + tail rounds once at the end: 0.5 ulp plus about 0.01 (the fit
+// and the rounding of p0).
+//
+// Base 2 and 10 scale the pair (S, P r + L) by 1/ln b split in two, the top
+// 26 bits of S times the 27-bit high part being exact: again one final
+// rounding plus small terms.
+//
+// Special cases (the order of the tests matters, see below):
+//   x >= 2^-1022 (normal, +Inf)   main path; +Inf is not special-cased and
+//                                 gives 1024 ln 2 (log2: 1024).
+//   0 < x < 2^-1022               x 2^52, the same path, n - 52.
+//   +-0                           error 245, direct form; without a retry
+//                                 -Inf, or -0x1.fffffffffffb6p+1023 when IEEE
+//                                 results are off.
+//   x < 0, NaN                    error 245; without a retry the quiet NaN,
+//                                 or, with IEEE results off, the sign of x is
+//                                 flipped and everything starts again: ln |x|
+//                                 after one report.  A NaN stays a NaN and is
+//                                 reported again on every pass until the
+//                                 handler corrects it.  Both are kept on
+//                                 purpose.
+// The packed forms test whether ANY lane is >= 2^-1022; if so both lanes go
+// through the main path, which has no range checks, so an out-of-range lane
+// beside a good one is neither reported nor special-cased.  That too is
+// deliberate.  Only when no lane qualifies does each lane take the scalar
+// function, lane 0 first.
+#include <emmintrin.h>
+
+#include <bit>
+#include <cstdint>
+
+#include "elementary/log_data.h"
+#include "frame/report.h"
+#include "frame/special_values.h"
+#include "mivor/mivor.h"
+
+using namespace mivor;
+using namespace mivor::elementary;
+
+namespace {
+
+constexpr double T1 = 0.75;                               // n: x/2^n in [0.75, 1.5)
+constexpr double T2 = 0x1p-1022;                          // smallest normal
+constexpr std::uint64_t T3 = 0x7FF07FFFFFFFFFFFu;         // exponent and low 47 fraction bits
+constexpr double lg2e = 0x1.62e42fefa3p-1;                // ln 2, high part: n*lg2e exact
+constexpr double lg2es = 0x1.3de6af278ece6p-42;           // ln 2, low part
+constexpr double norm = 0x1p+52;                          // scales subnormals up
+constexpr double ctbl[2] = {1.0, 0x1.08p-1};              // 1, 33/64
+constexpr std::uint32_t kT1High = 0x3FE80000u;            // high word of T1
+constexpr std::uint64_t kNegHugeBits = 0xFFEFFFFFFFFFFFB6u;
+constexpr std::uint64_t kTop26 = ~((std::uint64_t{1} << 27) - 1);
+constexpr std::uint64_t kTop6 = 0xFFFF800000000000u;  // sign, exponent, 5 fraction bits
+static_assert(std::bit_cast<std::uint64_t>(T1) >> 32 == kT1High);
+
+enum class Base { e, two, ten };
+
+// The table-dependent part of one argument.
+struct Prep {
+    double y_minus_c;  // r
+    double dn;         // n
+    unsigned j;
+};
+
+inline Prep prepare(double x, int n_offset) {
+    const std::uint64_t w = bits_of(x);
+    const auto hw = static_cast<std::uint32_t>(w >> 32);
+    const std::int32_t n = static_cast<std::int32_t>(hw - kT1High) >> 20;
+    const double y = double_from_bits((w & T3) - (static_cast<std::uint64_t>(n) << 52));
+    const unsigned b = (hw >> 19) & 1;
+    const unsigned f5 = (hw >> 15) & 31;
+    return {y - ctbl[b], static_cast<double>(n + n_offset), f5 + b};
+}
+
+// ln x = S + lo.
+struct Parts {
+    double S, lo;
+};
+
+inline Parts ln_parts(const Prep& p) {
+    const double r = p.y_minus_c;
+    const LogSplit& t = log_atbl[p.j];
+    const double a = p.dn * lg2e;
+    const double S1 = a + t.hi;
+    const double e1 = t.hi + (a - S1);
+    const double S = S1 + r;
+    const double e2 = r + (S1 - S);
+    const double L = (e1 + e2) + (p.dn * lg2es + t.lo);
+    const double* c = log_p[p.j].c;
+    // r p0 is the one large term of r P (up to 2^-6.6, where rounding it
+    // would cost 0.02 ulp): its top six bits times r (47 bits) are exact and
+    // join S by a third Fast2Sum (|S| >= |r| > |r p0|); the rest of P is
+    // small and rounds harmlessly.
+    const double p0h = double_from_bits(bits_of(c[0]) & kTop6);
+    const double T = r * p0h;
+    const double S2 = S + T;
+    const double e3 = (S - S2) + T;
+    const double r2 = r * r;
+    const double r4 = r2 * r2;
+    const double P = (((c[0] - p0h) + c[1] * r) + r2 * (c[2] + c[3] * r)) +
+                     r4 * ((c[4] + c[5] * r) + r2 * (c[6] + c[7] * r));
+    return {S2, (P * r + L) + e3};
+}
+
+constexpr LogSplit scale_of(Base base) { return base == Base::two ? log_inv_ln2 : log_inv_ln10; }
+
+template <Base base>
+inline double finish(Parts q) {
+    if constexpr (base == Base::e) {
+        return q.S + q.lo;
+    } else {
+        constexpr LogSplit C = scale_of(base);
+        constexpr double Cfull = C.hi + C.lo;
+        const double Sh = double_from_bits(bits_of(q.S) & kTop26);
+        const double Sl = q.S - Sh;
+        return Sh * C.hi + ((Sl * C.hi + q.S * C.lo) + q.lo * Cfull);
+    }
+}
+
+// Everything below the smallest normal: subnormals, zeros, negatives, NaN.
+template <Base base>
+[[gnu::cold, gnu::noinline]] double below_normal(double x) {
+    for (;;) {
+        if (x >= T2) return finish<base>(ln_parts(prepare(x, 0)));
+        if (x > 0.0) return finish<base>(ln_parts(prepare(x * norm, -52)));
+        const report::Verdict v = report::direct(245, x);
+        if (v.retry) continue;
+        if (x == 0.0) return v.ieee_results ? _MInf_D : double_from_bits(kNegHugeBits);
+        if (v.ieee_results) return _NaN_D;
+        x = -x;
+    }
+}
+
+template <Base base>
+inline double scalar_log(const double* arg) {
+    const double x = *arg;
+    if (x >= T2) [[likely]]
+        return finish<base>(ln_parts(prepare(x, 0)));
+    return below_normal<base>(x);
+}
+
+// Both lanes through the main path: the integer part per lane, the
+// arithmetic two lanes at a time, in the order of ln_parts and finish.
+template <Base base>
+inline __m128d packed_log(__m128d x) {
+    if (_mm_movemask_pd(_mm_cmpge_pd(x, _mm_set1_pd(T2))) == 0) {
+        alignas(16) double lane[2];
+        _mm_store_pd(lane, x);
+        const double r0 = scalar_log<base>(&lane[0]);
+        const double r1 = scalar_log<base>(&lane[1]);
+        return _mm_set_pd(r1, r0);
+    }
+    alignas(16) double lane[2];
+    _mm_store_pd(lane, x);
+    const Prep p0 = prepare(lane[0], 0);
+    const Prep p1 = prepare(lane[1], 0);
+    const __m128d r = _mm_set_pd(p1.y_minus_c, p0.y_minus_c);
+    const __m128d dn = _mm_set_pd(p1.dn, p0.dn);
+    const __m128d t0 = _mm_loadu_pd(&log_atbl[p0.j].hi);
+    const __m128d t1 = _mm_loadu_pd(&log_atbl[p1.j].hi);
+    const __m128d thi = _mm_unpacklo_pd(t0, t1);
+    const __m128d tlo = _mm_unpackhi_pd(t0, t1);
+    const __m128d a = _mm_mul_pd(dn, _mm_set1_pd(lg2e));
+    const __m128d S1 = _mm_add_pd(a, thi);
+    const __m128d e1 = _mm_add_pd(thi, _mm_sub_pd(a, S1));
+    const __m128d S = _mm_add_pd(S1, r);
+    const __m128d e2 = _mm_add_pd(r, _mm_sub_pd(S1, S));
+    const __m128d L = _mm_add_pd(_mm_add_pd(e1, e2), _mm_add_pd(_mm_mul_pd(dn, _mm_set1_pd(lg2es)), tlo));
+    __m128d c[8];
+    for (int k = 0; k < 8; k += 2) {
+        const __m128d a0 = _mm_loadu_pd(&log_p[p0.j].c[k]);
+        const __m128d a1 = _mm_loadu_pd(&log_p[p1.j].c[k]);
+        c[k] = _mm_unpacklo_pd(a0, a1);
+        c[k + 1] = _mm_unpackhi_pd(a0, a1);
+    }
+    const __m128d p0h = _mm_and_pd(c[0], _mm_castsi128_pd(_mm_set1_epi64x(static_cast<long long>(kTop6))));
+    const __m128d T = _mm_mul_pd(r, p0h);
+    const __m128d S2 = _mm_add_pd(S, T);
+    const __m128d e3 = _mm_add_pd(_mm_sub_pd(S, S2), T);
+    const __m128d r2 = _mm_mul_pd(r, r);
+    const __m128d r4 = _mm_mul_pd(r2, r2);
+    const __m128d lo01 = _mm_add_pd(_mm_sub_pd(c[0], p0h), _mm_mul_pd(c[1], r));
+    const __m128d lo23 = _mm_add_pd(c[2], _mm_mul_pd(c[3], r));
+    const __m128d hi45 = _mm_add_pd(c[4], _mm_mul_pd(c[5], r));
+    const __m128d hi67 = _mm_add_pd(c[6], _mm_mul_pd(c[7], r));
+    const __m128d P = _mm_add_pd(_mm_add_pd(lo01, _mm_mul_pd(r2, lo23)),
+                                 _mm_mul_pd(r4, _mm_add_pd(hi45, _mm_mul_pd(r2, hi67))));
+    const __m128d lo = _mm_add_pd(_mm_add_pd(_mm_mul_pd(P, r), L), e3);
+    if constexpr (base == Base::e) {
+        return _mm_add_pd(S2, lo);
+    } else {
+        constexpr LogSplit C = scale_of(base);
+        constexpr double Cfull = C.hi + C.lo;
+        const __m128d Sh = _mm_and_pd(S2, _mm_castsi128_pd(_mm_set1_epi64x(static_cast<long long>(kTop26))));
+        const __m128d Sl = _mm_sub_pd(S2, Sh);
+        const __m128d Ch = _mm_set1_pd(C.hi);
+        const __m128d tail = _mm_add_pd(_mm_add_pd(_mm_mul_pd(Sl, Ch), _mm_mul_pd(S2, _mm_set1_pd(C.lo))),
+                                        _mm_mul_pd(lo, _mm_set1_pd(Cfull)));
+        return _mm_add_pd(_mm_mul_pd(Sh, Ch), tail);
+    }
+}
+
+}  // namespace
+
+extern "C" double g_dlog(const double* arg) { return scalar_log<Base::e>(arg); }
+extern "C" double g_dlog2(const double* arg) { return scalar_log<Base::two>(arg); }
+extern "C" double g_dlog10(const double* arg) { return scalar_log<Base::ten>(arg); }
+extern "C" __m128d pk_dlog(__m128d x) { return packed_log<Base::e>(x); }
+extern "C" __m128d pk_dlog10(__m128d x) { return packed_log<Base::ten>(x); }
