@@ -49,8 +49,8 @@ constexpr std::uint64_t narrow(const Real16& x, const Target& t) {
     const std::uint64_t sign = std::uint64_t{quad::sign(x)} << t.sign_shift;
     const int e = static_cast<int>(exponent_field(x)) - t.offset;
     if (e >= t.max_exponent) return sign | t.overflow_bits;
-    // Half the smallest subnormal is 2^(1 - p) below it at e = 1 - p:
-    // anything smaller rounds to zero.
+    // e = 1 - p holds [half the smallest subnormal, the smallest
+    // subnormal); anything smaller rounds to zero, given without its sign.
     if (e < 1 - t.precision) return 0;
     const std::uint64_t head = significand_head(x);
     // Shift from head to the target significand; 64 at most (reached

@@ -189,4 +189,43 @@ TEST(Ieee, MaxMinPickTheIeeeLargerOrSmaller) {
     }
 }
 
+// Within the normal range the REAL(16) operators round like IEEE, so the
+// functions built on them equal the same formula in __float128, up to the
+// sign of zero results (the library's are +0).
+bool ordinary(const mivor_real16& v) { return field(v) > 16383 - 1000 && field(v) < 16383 + 1000; }
+Words unsigned_zero(__float128 f) { return f == 0 ? W(0) : W(Q(f)); }
+
+TEST(Ieee, FunctionsOverTheOperatorsFollowTheirFormulas) {
+    Random r{10};
+    int checked = 0;
+    for (int i = 0; i < kCases; ++i) {
+        const mivor_real16 x = real16_near(r, 16383 + 40, 60), y = real16_near(r, 16383, 40);
+        const double d = real8(r);
+        if (!ordinary(x) || !ordinary(y) || !std::isfinite(d)) continue;
+        ++checked;
+        const __float128 fx = F(x), fy = F(y), fd = d;
+        mivor_real16 out;
+        g_qmod(&out, &x, &y);
+        ASSERT_EQ(W(out), unsigned_zero(fx - truncq(fx / fy) * fy)) << W(x) << " " << W(y);
+        g_qdim(&out, &x, &y);
+        ASSERT_EQ(W(out), unsigned_zero(fx > fy ? fx - fy : 0)) << W(x) << " " << W(y);
+        const __float128 rounded = truncq(negative(x) ? fx - 0.5 : fx + 0.5);
+        g_qnint(&out, &x);
+        ASSERT_EQ(W(out), unsigned_zero(rounded)) << W(x);
+        ASSERT_EQ(g_iqnint(&x), iqint(Q(rounded == 0 ? 0 : rounded))) << W(x);
+        jwe_gdsq(&out, d, y);
+        ASSERT_EQ(W(out), unsigned_zero(fd - fy)) << d << " " << W(y);
+        jwe_gqmd(&out, y, d);
+        ASSERT_EQ(W(out), unsigned_zero(fy * fd)) << W(y) << " " << d;
+        jwe_gddq(&out, d, y);
+        ASSERT_EQ(W(out), unsigned_zero(fd / fy)) << d << " " << W(y);
+        const double e = real8(r);
+        if (std::isfinite(e)) {
+            g_qprod(&out, &d, &e);
+            ASSERT_EQ(W(out), unsigned_zero(fd * static_cast<__float128>(e))) << d << " " << e;
+        }
+    }
+    EXPECT_GT(checked, kCases / 2);
+}
+
 }  // namespace
