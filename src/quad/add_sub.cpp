@@ -37,6 +37,7 @@
 namespace mivor::quad {
 namespace {
 
+using detail::Halves;
 using detail::Status;
 
 constexpr std::int32_t kOverflow = 1397;
@@ -44,12 +45,12 @@ constexpr std::int32_t kUnderflow = 1398;
 
 // x + y for non-zero tops; `flip` (0 or the sign bit) is applied to y's
 // sign, so subtraction is the same sum.
-inline Status add_nonzero(const Real16& x, const Real16& y, std::uint32_t flip, Real16* out) {
-    std::uint64_t ah = detail::magnitude_high(x), al = detail::low_half(x);
-    std::uint64_t bh = detail::magnitude_high(y), bl = detail::low_half(y);
-    const std::uint32_t x_sign = x.w[3] & kSignBit;
-    const std::uint32_t y_sign = (y.w[3] ^ flip) & kSignBit;
+inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
+    const std::uint64_t x_sign = x.hi & detail::kSign64;
+    const std::uint64_t y_sign = (y.hi ^ flip) & detail::kSign64;
     const bool subtract = x_sign != y_sign;
+    std::uint64_t ah = x.hi & ~detail::kSign64, al = x.lo;
+    std::uint64_t bh = y.hi & ~detail::kSign64, bl = y.lo;
     // |y| > |x|: y is A.  Selected without a branch, which would be
     // mispredicted half the time.
     const bool swap = bh > ah || (bh == ah && bl > al);
@@ -59,7 +60,7 @@ inline Status add_nonzero(const Real16& x, const Real16& y, std::uint32_t flip, 
     bh ^= mh;
     al ^= ml;
     bl ^= ml;
-    const std::uint32_t sign = swap ? y_sign : x_sign;
+    const std::uint64_t sign = swap ? y_sign : x_sign;
     std::int32_t e = static_cast<std::int32_t>(ah >> 48);
     const int d = e - static_cast<std::int32_t>(bh >> 48);
     ah = (ah & detail::kHiFractionMask) | detail::kImplicitOne;
@@ -87,7 +88,7 @@ inline Status add_nonzero(const Real16& x, const Real16& y, std::uint32_t flip, 
         hi = ah - bh - borrow1;
         if (hi < detail::kImplicitOne) {
             if ((hi | lo | ext) == 0) {  // exact cancellation: +0, no report
-                *out = Real16{{0, 0, 0, 0}};
+                *out = Halves{0, 0};
                 return Status::ok;
             }
             // Leading one to bit 48 of hi.  Bits come up from the
@@ -120,62 +121,65 @@ inline Status add_nonzero(const Real16& x, const Real16& y, std::uint32_t flip, 
     return detail::round_and_pack(sign, e, hi, lo, ext, out);
 }
 
-// The report and its fallback; true when the handler corrected x and y
-// and the operation is to start again.
-[[gnu::cold]] bool report(Status status, Real16& x, Real16& y, Real16* out) {
-    const std::int32_t number = status == Status::overflow ? kOverflow : kUnderflow;
-    const report::Verdict v = report::full<report::Describe::none>(number, x, y);
-    if (v.retry) return true;
-    if (status == Status::underflow) {
-        *out = Real16{{0, 0, 0, 0}};
-    } else if (v.ieee_results) {
-        *out = sign(x) ? _MInf_Q : _Inf_Q;
+// One attempt of g_aqaq (flip 0) or g_aqsq (flip = sign bit), zero
+// shortcuts first, each operator in its own order.
+inline Status attempt(Halves x, Halves y, std::uint64_t flip, Halves* out) {
+    if (flip == 0) {
+        if (detail::top_is_zero(x)) {
+            *out = y;
+            return Status::ok;
+        }
+        if (detail::top_is_zero(y)) {
+            *out = x;
+            return Status::ok;
+        }
     } else {
-        *out = kHuge_Q;
+        if (detail::top_is_zero(y)) {
+            *out = x;
+            return Status::ok;
+        }
+        if (detail::top_is_zero(x)) {
+            *out = Halves{y.hi ^ detail::kSign64, y.lo};
+            return Status::ok;
+        }
     }
-    return false;
+    return add_nonzero(x, y, flip, out);
+}
+
+// After an attempt that overflowed or underflowed: the report, the retries
+// the handler asks for (each starting again from the zero shortcuts), and
+// the fallback.
+[[gnu::cold, gnu::noinline]] Halves recover(Status status, Halves hx, Halves hy, std::uint64_t flip) {
+    Real16 x = detail::to_real16(hx), y = detail::to_real16(hy);
+    for (;;) {
+        const std::int32_t number = status == Status::overflow ? kOverflow : kUnderflow;
+        const report::Verdict v = report::full<report::Describe::none>(number, x, y);
+        if (!v.retry) {
+            if (status == Status::underflow) return Halves{0, 0};
+            return detail::load(v.ieee_results ? (sign(x) ? &_MInf_Q : &_Inf_Q) : &kHuge_Q);
+        }
+        Halves r;
+        status = attempt(detail::load(&x), detail::load(&y), flip, &r);
+        if (status == Status::ok) return r;
+    }
+}
+
+inline Real16* add_or_subtract(Real16* result, const Real16* a, const Real16* b, std::uint64_t flip) {
+    const Halves x = detail::load(a), y = detail::load(b);
+    Halves r;
+    const Status s = attempt(x, y, flip, &r);
+    if (s != Status::ok) [[unlikely]] r = recover(s, x, y, flip);
+    detail::store(result, r);
+    return result;
 }
 
 }  // namespace
 }  // namespace mivor::quad
 
-using namespace mivor;
-
 extern "C" mivor_real16* g_aqaq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
-    Real16 x = *a;
-    Real16 y = *b;
-    Real16 r;
-    for (;;) {
-        if (quad::detail::top_is_zero(x.w[3])) {
-            r = y;
-        } else if (quad::detail::top_is_zero(y.w[3])) {
-            r = x;
-        } else {
-            const quad::detail::Status s = quad::add_nonzero(x, y, 0, &r);
-            if (s != quad::detail::Status::ok && quad::report(s, x, y, &r)) continue;
-        }
-        break;
-    }
-    *result = r;
-    return result;
+    return mivor::quad::add_or_subtract(result, a, b, 0);
 }
 
 extern "C" mivor_real16* g_aqsq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
-    Real16 x = *a;
-    Real16 y = *b;
-    Real16 r;
-    for (;;) {
-        if (quad::detail::top_is_zero(y.w[3])) {
-            r = x;
-        } else if (quad::detail::top_is_zero(x.w[3])) {
-            r = y;
-            r.w[3] ^= quad::kSignBit;
-        } else {
-            const quad::detail::Status s = quad::add_nonzero(x, y, quad::kSignBit, &r);
-            if (s != quad::detail::Status::ok && quad::report(s, x, y, &r)) continue;
-        }
-        break;
-    }
-    *result = r;
-    return result;
+    return mivor::quad::add_or_subtract(result, a, b, mivor::quad::detail::kSign64);
 }

@@ -29,17 +29,18 @@
 namespace mivor::quad {
 namespace {
 
+using detail::Halves;
 using detail::Status;
 
 constexpr std::int32_t kOverflow = 1397;
 constexpr std::int32_t kUnderflow = 1398;
 
 // x * y for non-zero tops.
-inline Status multiply_nonzero(const Real16& x, const Real16& y, Real16* out) {
-    const std::uint32_t sign = (x.w[3] ^ y.w[3]) & kSignBit;
-    std::int32_t e = static_cast<std::int32_t>(exponent_field(x)) + static_cast<std::int32_t>(exponent_field(y)) - kBias;
-    const std::uint64_t ah = detail::significand_high(x), al = detail::low_half(x);
-    const std::uint64_t bh = detail::significand_high(y), bl = detail::low_half(y);
+inline Status multiply_nonzero(Halves x, Halves y, Halves* out) {
+    const std::uint64_t sign = (x.hi ^ y.hi) & detail::kSign64;
+    std::int32_t e = detail::exponent_of(x) + detail::exponent_of(y) - kBias;
+    const std::uint64_t ah = detail::significand_high(x), al = x.lo;
+    const std::uint64_t bh = detail::significand_high(y), bl = y.lo;
 
     // Columns of 64 bits: p3 (bits 192..), p2, p1, p0.  The cross products
     // have high halves below 2^49, so no column sum overflows beyond the
@@ -74,40 +75,42 @@ inline Status multiply_nonzero(const Real16& x, const Real16& y, Real16* out) {
     return detail::round_and_pack(sign, e, hi, lo, ext, out);
 }
 
-// The report and its fallback; true when the handler corrected x and y
-// and the operation is to start again.
-[[gnu::cold]] bool report(Status status, Real16& x, Real16& y, Real16* out) {
-    const std::int32_t number = status == Status::overflow ? kOverflow : kUnderflow;
-    const report::Verdict v = report::full<report::Describe::none>(number, x, y);
-    if (v.retry) return true;
-    if (status == Status::underflow) {
-        *out = Real16{{0, 0, 0, 0}};
-    } else if (v.ieee_results) {
-        *out = ((x.w[3] ^ y.w[3]) & kSignBit) != 0 ? _MInf_Q : _Inf_Q;
-    } else {
-        *out = kHuge_Q;
+inline Status attempt(Halves x, Halves y, Halves* out) {
+    if (detail::top_is_zero(x) || detail::top_is_zero(y)) {
+        *out = Halves{0, 0};
+        return Status::ok;
     }
-    return false;
+    return multiply_nonzero(x, y, out);
+}
+
+// After an attempt that overflowed or underflowed: the report, the retries
+// the handler asks for (each starting again from the zero shortcut), and
+// the fallback.
+[[gnu::cold, gnu::noinline]] Halves recover(Status status, Halves hx, Halves hy) {
+    Real16 x = detail::to_real16(hx), y = detail::to_real16(hy);
+    for (;;) {
+        const std::int32_t number = status == Status::overflow ? kOverflow : kUnderflow;
+        const report::Verdict v = report::full<report::Describe::none>(number, x, y);
+        if (!v.retry) {
+            if (status == Status::underflow) return Halves{0, 0};
+            const bool negative = ((x.w[3] ^ y.w[3]) & kSignBit) != 0;
+            return detail::load(v.ieee_results ? (negative ? &_MInf_Q : &_Inf_Q) : &kHuge_Q);
+        }
+        Halves r;
+        status = attempt(detail::load(&x), detail::load(&y), &r);
+        if (status == Status::ok) return r;
+    }
 }
 
 }  // namespace
 }  // namespace mivor::quad
 
-using namespace mivor;
-
 extern "C" mivor_real16* g_aqmq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
-    Real16 x = *a;
-    Real16 y = *b;
-    Real16 r;
-    for (;;) {
-        if (quad::detail::top_is_zero(x.w[3]) || quad::detail::top_is_zero(y.w[3])) {
-            r = Real16{{0, 0, 0, 0}};
-        } else {
-            const quad::detail::Status s = quad::multiply_nonzero(x, y, &r);
-            if (s != quad::detail::Status::ok && quad::report(s, x, y, &r)) continue;
-        }
-        break;
-    }
-    *result = r;
+    using namespace mivor::quad;
+    const Halves x = detail::load(a), y = detail::load(b);
+    Halves r;
+    const Status s = attempt(x, y, &r);
+    if (s != Status::ok) [[unlikely]] r = recover(s, x, y);
+    detail::store(result, r);
     return result;
 }

@@ -19,6 +19,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "frame/values.h"
 
@@ -27,24 +28,42 @@ namespace mivor::quad::detail {
 inline constexpr std::uint64_t kImplicitOne = std::uint64_t{1} << 48;
 inline constexpr std::uint64_t kHiFractionMask = kImplicitOne - 1;
 inline constexpr std::uint64_t kHalfway = std::uint64_t{1} << 63;
+inline constexpr std::uint64_t kSign64 = std::uint64_t{1} << 63;
+
+// A REAL(16) as two 64-bit halves: hi = w3:w2 (sign, exponent field in
+// bits 62..48, top fraction bits), lo = w1:w0.  Loaded and stored as two
+// halves, so that a result written here and read back as the next operand
+// is forwarded from the store buffer (one 16-byte load over narrower stores
+// is not, and costs a dozen cycles of latency).
+struct Halves {
+    std::uint64_t hi, lo;
+};
+
+inline Halves load(const Real16* q) {
+    Halves h;
+    std::memcpy(&h.lo, &q->w[0], 8);
+    std::memcpy(&h.hi, &q->w[2], 8);
+    return h;
+}
+inline void store(Real16* q, Halves h) {
+    std::memcpy(&q->w[0], &h.lo, 8);
+    std::memcpy(&q->w[2], &h.hi, 8);
+}
+inline Real16 to_real16(Halves h) {
+    Real16 q;
+    store(&q, h);
+    return q;
+}
 
 // The zero test of the operators looks at the top word only: w3 equal to
 // 0x00000000 or 0x80000000 is zero whatever the lower words hold.
-constexpr bool top_is_zero(std::uint32_t w3) { return (w3 & ~kSignBit) == 0; }
+constexpr bool top_is_zero(Halves q) { return ((q.hi >> 32) & 0x7FFFFFFFu) == 0; }
 
-// Upper half of the magnitude: exponent field in bits 62..48, top 16
-// fraction bits and w2 below it; the sign is dropped.  Comparing
-// (magnitude_high, low_half) pairs as unsigned numbers orders magnitudes.
-constexpr std::uint64_t magnitude_high(const Real16& q) {
-    return (std::uint64_t{q.w[3] & ~kSignBit} << 32) | q.w[2];
-}
-constexpr std::uint64_t low_half(const Real16& q) { return (std::uint64_t{q.w[1]} << 32) | q.w[0]; }
+constexpr std::int32_t exponent_of(Halves q) { return static_cast<std::int32_t>((q.hi >> 48) & 0x7FFF); }
 
 // The significand's upper half with the implicit one set -- for every
 // exponent field, 0 included: the operators read no subnormals.
-constexpr std::uint64_t significand_high(const Real16& q) {
-    return (magnitude_high(q) & kHiFractionMask) | kImplicitOne;
-}
+constexpr std::uint64_t significand_high(Halves q) { return (q.hi & kHiFractionMask) | kImplicitOne; }
 
 // Full 64 x 64 -> 128-bit product: returns the low half, stores the high
 // half in *high.  Exact.
@@ -110,7 +129,7 @@ inline void shift_right_extended(std::uint64_t& hi, std::uint64_t& lo, std::uint
 enum class Status { ok, underflow, overflow };
 
 // Rounds a normalised significand (hi in [2^48, 2^49)) with its extension
-// word to nearest, ties to even, and packs it with `sign` (bit 31 or 0) and
+// word to nearest, ties to even, and packs it with `sign` (bit 63 or 0) and
 // the exponent field `e` (a signed quantity that may lie far outside the
 // field's range).  A carry out of the significand on rounding up raises e
 // by one; the range is checked after rounding: e <= 0 is an underflow (no
@@ -119,8 +138,8 @@ enum class Status { ok, underflow, overflow };
 // The guard/sticky rule: G > 0x80000000, or G = 0x80000000 with T non-zero,
 // or an exact half with an odd last bit, rounds up.  On `ext` that is
 // ext > 2^63, or ext == 2^63 with lo odd.
-inline Status round_and_pack(std::uint32_t sign, std::int32_t e, std::uint64_t hi, std::uint64_t lo,
-                             std::uint64_t ext, Real16* out) {
+inline Status round_and_pack(std::uint64_t sign, std::int32_t e, std::uint64_t hi, std::uint64_t lo,
+                             std::uint64_t ext, Halves* out) {
     // Without a branch: half of all results round up, unpredictably.
     const std::uint64_t up = (ext > kHalfway) | ((ext == kHalfway) & lo);
     lo += up;
@@ -131,10 +150,8 @@ inline Status round_and_pack(std::uint32_t sign, std::int32_t e, std::uint64_t h
     }
     if (e <= 0) return Status::underflow;
     if (e >= 0x7FFF) return Status::overflow;
-    out->w[0] = static_cast<std::uint32_t>(lo);
-    out->w[1] = static_cast<std::uint32_t>(lo >> 32);
-    out->w[2] = static_cast<std::uint32_t>(hi);
-    out->w[3] = sign + (static_cast<std::uint32_t>(e) << 16) + static_cast<std::uint32_t>((hi - kImplicitOne) >> 32);
+    out->hi = sign + (static_cast<std::uint64_t>(e) << 48) + (hi - kImplicitOne);
+    out->lo = lo;
     return Status::ok;
 }
 

@@ -102,6 +102,28 @@ TEST(QuadArithRounding, TiesGoToEven) {
     EXPECT_BITS(kTwo, call(g_aqaq, Q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu), Q(0x3F8E8000u)));
 }
 
+TEST(QuadArithRounding, QuotientsJustBelowOne) {
+    // x = y minus a few units: the fraction bits of the doubled quotient
+    // start with a long run of ones, where a digit estimate from the
+    // divisor's leading bits alone overshoots (values from __float128).
+    const struct {
+        mivor_real16 x, y, quotient;
+    } cases[] = {
+        {Q(0x3FFF8000u, 0, 0, 0x00012344u), Q(0x3FFF8000u, 0, 0, 0x00012345u),
+         Q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
+        {Q(0x3FFF0000u, 0x80000000u, 0xFFFFFFFFu, 0xFFFFFFFCu), Q(0x3FFF0000u, 0x80000000u, 0xFFFFFFFFu, 0xFFFFFFFFu),
+         Q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFAu)},
+        {Q(0x4128ABCDu, 0xFEDCBA98u, 0x01234567u, 0x89ABCDEEu), Q(0x4123ABCDu, 0xFEDCBA98u, 0x01234567u, 0x89ABCDEFu),
+         Q(0x4003FFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
+        {Q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFEu), Q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu),
+         Q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
+    };
+    for (const auto& c : cases) {
+        EXPECT_BITS(c.quotient, call(g_aqdq, c.x, c.y));
+        EXPECT_BITS(neg(c.quotient), call(g_aqdq, neg(c.x), c.y));
+    }
+}
+
 TEST(QuadArithRounding, FarSmallerOperandLeavesTheLargerOne) {
     const mivor_real16 x = Q(0x4005ABCDu, 0x01234567u, 0x89ABCDEFu, 0xFFFFFFFFu);
     for (std::uint32_t d : {114u, 145u, 146u, 147u, 400u, 16000u}) {
