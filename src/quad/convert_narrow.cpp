@@ -44,26 +44,41 @@ struct Target {
 constexpr Target kReal8{53, 16383 - 1023, 2047, 63, 0x7FEFFFFFFFFFFFFFu};
 constexpr Target kReal4{24, 16383 - 127, 255, 31, 0x3F7FFFFFu};
 
-// The target's bit pattern of x, sign included.
-constexpr std::uint64_t narrow(const Real16& x, const Target& t) {
+// Rounds the top 64 significand bits `head` (leading one at bit 63; the
+// bits below it non-zero when `tail`) shifted right by `shift` (11..64) to
+// nearest, ties to even: the kept bits plus the rounding increment.
+constexpr std::uint64_t round_shifted(std::uint64_t head, bool tail, int shift) {
+    constexpr std::uint64_t half = std::uint64_t{1} << 63;
+    const std::uint64_t kept = shift < 64 ? head >> shift : 0;
+    const std::uint64_t dropped = shift < 64 ? head << (64 - shift) : head;
+    const bool up = dropped > half || (dropped == half && (tail || (kept & 1) != 0));
+    return kept + up;
+}
+
+// The target's bit pattern of x, sign included.  The format is a template
+// argument so that the normal path shifts by constants.
+template <const Target& t>
+constexpr std::uint64_t narrow(const Real16& x) {
     const std::uint64_t sign = std::uint64_t{quad::sign(x)} << t.sign_shift;
     const int e = static_cast<int>(exponent_field(x)) - t.offset;
     if (e >= t.max_exponent) return sign | t.overflow_bits;
+    constexpr int normal_shift = 64 - t.precision;
+    if (e > 0) {
+        // Adding the rounded significand (implicit one included) to
+        // e - 1 in the exponent field carries into it when rounding
+        // reaches the next binade, up to the overflow exponent.
+        const std::uint64_t bits = (std::uint64_t(e - 1) << (t.precision - 1)) +
+                                   round_shifted(significand_head(x), tail_nonzero(x), normal_shift);
+        if ((bits >> (t.precision - 1)) >= std::uint64_t(t.max_exponent)) return sign | t.overflow_bits;
+        return sign | bits;
+    }
     // e = 1 - p holds [half the smallest subnormal, the smallest
     // subnormal); anything smaller rounds to zero, given without its sign.
     if (e < 1 - t.precision) return 0;
-    const std::uint64_t head = significand_head(x);
-    // Shift from head to the target significand; 64 at most (reached
-    // at e = 1 - p), where nothing but the rounding bits remains.
-    const int shift = 64 - t.precision + (e <= 0 ? 1 - e : 0);
-    const std::uint64_t kept = shift < 64 ? head >> shift : 0;
-    const std::uint64_t dropped = shift < 64 ? head << (64 - shift) : head;
-    constexpr std::uint64_t half = std::uint64_t{1} << 63;
-    const bool up = dropped > half || (dropped == half && (tail_nonzero(x) || (kept & 1) != 0));
-    if (e <= 0) return sign | (kept + up);  // a carry makes the smallest normal
-    const std::uint64_t bits = (std::uint64_t(e - 1) << (t.precision - 1)) + kept + up;
-    if ((bits >> (t.precision - 1)) >= std::uint64_t(t.max_exponent)) return sign | t.overflow_bits;
-    return sign | bits;
+    // Subnormal: one more bit shifted out per step below e = 1; at most
+    // 64, where only the rounding bits remain.  A rounding carry gives the
+    // smallest normal pattern by itself.
+    return sign | round_shifted(significand_head(x), tail_nonzero(x), normal_shift + 1 - e);
 }
 
 }  // namespace
@@ -74,11 +89,11 @@ using namespace mivor;
 extern "C" double g_dbleq(const mivor_real16* x) {
     const Real16 v = *x;
     if (quad::top(v) == 0) return 0.0;
-    return double_from_bits(quad::convert::narrow(v, quad::convert::kReal8));
+    return double_from_bits(quad::convert::narrow<quad::convert::kReal8>(v));
 }
 
 extern "C" float g_snglq(const mivor_real16* x) {
     const Real16 v = *x;
     if (quad::top(v) == 0) return 0.0f;
-    return float_from_bits(static_cast<std::uint32_t>(quad::convert::narrow(v, quad::convert::kReal4)));
+    return float_from_bits(static_cast<std::uint32_t>(quad::convert::narrow<quad::convert::kReal4>(v)));
 }
