@@ -110,7 +110,7 @@ class Collect : public benchmark::ConsoleReporter {
 public:
     std::map<std::string, double> ns;
     void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& r : runs) ns[r.benchmark_name()] = r.GetAdjustedCPUTime() / r.iterations;
+        for (const Run& r : runs) ns[r.benchmark_name()] = r.GetAdjustedCPUTime();  // per iteration
         ConsoleReporter::ReportRuns(runs);
     }
 };

@@ -152,6 +152,10 @@ constexpr Reference kReferences[] = {
     {"g_dcos", mpfr_cos, "r8", -3.5e15, 3.5e15, kTrigHard8},
     {"g_sin", mpfr_sin, "r4", -823000.0, 823000.0, kTrigHard4},
     {"g_cos", mpfr_cos, "r4", -823000.0, 823000.0, kTrigHard4},
+    {"g_dtan", mpfr_tan, "r8", -3.5e15, 3.5e15, kTrigHard8},
+    {"g_dcotan", mpfr_cot, "r8", -3.5e15, 3.5e15, kTrigHard8},  // cot(+-0) reports 214
+    {"g_tan", mpfr_tan, "r4", -823000.0, 823000.0, kTrigHard4},
+    {"g_cotan", mpfr_cot, "r4", -823000.0, 823000.0, kTrigHard4},
 };
 
 }  // namespace
