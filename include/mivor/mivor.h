@@ -93,6 +93,14 @@ MIVOR_API float g_log10(const float *a0);
 MIVOR_API double g_dlog(const double *a0);
 MIVOR_API double g_dlog2(const double *a0);
 MIVOR_API double g_dlog10(const double *a0);
+MIVOR_API float g_sin(const float *a0);
+MIVOR_API float g_cos(const float *a0);
+MIVOR_API float g_tan(const float *a0);
+MIVOR_API float g_cotan(const float *a0);
+MIVOR_API double g_dsin(const double *a0);
+MIVOR_API double g_dcos(const double *a0);
+MIVOR_API double g_dtan(const double *a0);
+MIVOR_API double g_dcotan(const double *a0);
 MIVOR_API float g_sqrt(const float *a0);
 MIVOR_API long double g_dsqrt(const double *a0);
 MIVOR_API float g_cbrt(const float *a0);
@@ -101,6 +109,8 @@ MIVOR_API long double g_dcbrt(const double *a0);
 MIVOR_API __m128d pk_dexp(__m128d x0);
 MIVOR_API __m128d pk_dlog(__m128d x0);
 MIVOR_API __m128d pk_dlog10(__m128d x0);
+MIVOR_API __m128d pk_dsin(__m128d x0);
+MIVOR_API __m128d pk_dcos(__m128d x0);
 #endif
 
 /* power */

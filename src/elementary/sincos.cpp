@@ -1,0 +1,275 @@
+// g_dsin, g_dcos, pk_dsin, pk_dcos: sine and cosine of a REAL(8) radian
+// argument.
+//
+// Reduction (a = |x|), chosen so that the common range never multiplies by
+// 2/pi:
+//   a < pi/4            r = a;
+//   a < 9pi/4           a ladder of exact shifts: r = (a - C1) - C2 with
+//                       C1 + C2 = q pi/2 (q = 1..4) as a double-double;
+//                       a - C1 is exact (Sterbenz), the low part is carried;
+//   a < 1.05e8          two-piece Cody-Waite with k = round(a 2/pi),
+//   a < 3.53e15         the same with k split in two (trig_reduce.h);
+//   otherwise, Inf, NaN refused: error 203 (sin(NaN) is refused on purpose,
+//                       not propagated).
+// Evaluation on t = |r| = th + tl: j = round(256 t) (by adding BH = 2^44,
+// whose ulp is 1/256), d = th - j/256 (exact), and row j of the tables:
+//   sin t = (th + th s0) + (tl (1 - th^2/2) + th d ((s1 + s2 d) + d^2 (s3 + s4 d)))
+//           with th s0 (up to 0.08) exact and th + th s0 carried as a
+//           double-double, so that only the small remaining terms round;
+//   cos t = c0 + ((cl - tl th) + d ((c1 + c2 d) + d^2 (c3 + c4 d))).
+// The quadrant k mod 4 picks the table and the sign.
+//
+// Accuracy: the fits are good to 1.5e-18 (sin t / t - 1) and 1.1e-17 (cos t,
+// below 0.1 ulp of the result), c0 + cl carries the constant term to
+// 2^-106, th s0 is exact, and the other rounding errors before the last
+// addition are below 2^-62: results are within 0.6 ulp (measured with
+// tools/elementary/trig_ulp).  Near a
+// multiple of pi/2 above 9pi/4 the reduced argument has an absolute error
+// below 2^-105 (a < 1.05e8) or 2^-79 (a < 3.53e15); the ladder's constants
+// HP2 and PI2 are the library's, 3 units of their last place from pi/2 - HP1
+// and pi - PI1, which is an absolute error below 2^-103 there.
+//
+// Refused arguments report 203 (direct form); without a retry the result is
+// the quiet NaN (IEEE results) or 0.7071067811865476 = sin(pi/4), a value
+// deliberately inside [-1, 1].
+#include <emmintrin.h>
+
+#include "elementary/sincos_data.h"
+#include "elementary/trig_reduce.h"
+#include "frame/report.h"
+#include "frame/special_values.h"
+#include "mivor/mivor.h"
+
+namespace mivor::elementary {
+namespace {
+
+using namespace trig;
+namespace tab = sincos_data;
+
+inline constexpr double Q3P = 0x1.2d97c7f3321d2p+1;  // 3pi/4  0x4002D97C7F3321D2
+inline constexpr double Q5P = 0x1.f6a7a2955385ep+1;  // 5pi/4  0x400F6A7A2955385E
+inline constexpr double Q7P = 0x1.5fdbbe9bba775p+2;  // 7pi/4  0x4015FDBBE9BBA775
+inline constexpr double Q9P = 0x1.c463abeccb2bbp+2;  // 9pi/4  0x401C463ABECCB2BB
+inline constexpr double PI1 = 0x1.921fb54442d18p+1;  // 0x400921FB54442D18
+inline constexpr double PI2 = 0x1.1a62633145c04p-53; // 0x3CA1A62633145C04
+inline constexpr double H3P = 0x1.2d97c7f3321d2p+2;  // 0x4012D97C7F3321D2
+inline constexpr double H32 = 0x1.a79394c9e8a0ap-53; // 0x3CAA79394C9E8A0A
+inline constexpr double TP1 = 0x1.921fb54442d18p+2;  // 0x401921FB54442D18
+inline constexpr double TP2 = 0x1.1a62633145c07p-52; // 0x3CB1A62633145C07
+inline constexpr double BH = 0x1p+44;                // 0x42B0000000000000
+inline constexpr std::uint64_t flg1 = 0x7FFFFFFFFFFFFFFFu;
+inline constexpr std::uint64_t flg2 = 0x8000000000000000u;
+inline constexpr std::uint64_t kSubstitute = 0x3FE6A09E667F3BCDu;  // 0.7071067811865476
+
+// The rungs: shift q of the ladder is C1 + C2 = q pi/2 (q = 0: no shift).
+struct Shift {
+    double c1, c2;
+};
+inline constexpr Shift kShifts[5] = {{0.0, 0.0}, {HP1, HP2}, {PI1, PI2}, {H3P, H32}, {TP1, TP2}};
+
+// a = q pi/2 + hi + lo by exact shifts, 0 <= a < 9pi/4.  The rung is found
+// by counting comparisons rather than by branches (random arguments would
+// mispredict them).  u = a - c1 is exact (Sterbenz) and either 0 or at least
+// ulp(c1) >= 2^-52 > |c2|, so the error of u - c2 is recovered exactly.
+inline Reduced ladder(double a) {
+    const std::uint32_t q = std::uint32_t{a >= QP} + std::uint32_t{a >= Q3P} + std::uint32_t{a >= Q5P} +
+                            std::uint32_t{a >= Q7P};
+    const Shift& c = kShifts[q];
+    const double u = a - c.c1;
+    const double hi = u - c.c2;
+    return {hi, (u - hi) - c.c2, q};
+}
+
+// [sin, cos, -sin, -cos](hi + lo) for n = 0, 1, 2, 3 (mod 4), from row
+// sc[j][n & 1]; z = hi^2, P4 = (g1 + g2 d) + d^2 (g3 + g4 d):
+//   sine, t < 1/4 (j < 64):  hi + (lo cs + hi (s0 + d P4)), where
+//                            |s0 + d P4| <= t^2/6 < 1/96;
+//   sine, t >= 1/4:          uh + ((ul + d w) + (lo cs + hi (d P4))), where
+//                            uh + ul = t_j (1 + s0) exactly and w = 1 + s0,
+//                            so that |d w| <= 2^-7 of the result;
+//   cosine:                  c0 + (cl + (lo (-sn) + d P4)),
+// with cs = 1 - z (1/2 - z/24) ~ cos(hi) and sn = hi (1 - z/6) ~ sin(hi)
+// for the correction by lo.  In each form the terms that round are at most
+// 1/96 (or 2^-7) of the result.  The two-lane code computes the same
+// expressions, with the form selected by masks, and gives the same bits.
+inline constexpr std::uint32_t kLargeRows = 64;  // t_j >= 1/4
+
+inline double evaluate(double hi, double lo, std::uint32_t n) {
+    const std::uint64_t sr = bits_of(hi) & flg2;
+    hi = double_from_bits(bits_of(hi) & flg1);
+    lo = double_from_bits(bits_of(lo) ^ sr);
+    std::uint64_t sign = static_cast<std::uint64_t>(n & 2) << 62;
+    const double jb = hi + BH;
+    const std::uint32_t j = low_word(jb) & 0x3FF;
+    const double d = hi - (jb - BH);
+    const double* g = tab::sc[j][n & 1];
+    const double z = hi * hi;
+    const double dp4 = d * ((g[1] + g[2] * d) + (d * d) * (g[3] + g[4] * d));
+    double v;
+    if (n & 1) {
+        const double sn = hi * (1.0 - z * (1.0 / 6));
+        v = g[0] + (g[5] + (lo * -sn + dp4));
+    } else {
+        sign ^= sr;
+        const double cs = 1.0 - z * (0.5 - z * (1.0 / 24));
+        if (j < kLargeRows)
+            v = hi + (lo * cs + hi * (g[0] + dp4));
+        else
+            v = g[5] + ((g[6] + d * g[7]) + (lo * cs + hi * dp4));
+    }
+    return double_from_bits(bits_of(v) ^ sign);
+}
+
+[[gnu::cold, gnu::noinline]] Reduced reduce_beyond_ladder(double a) {
+    return a < XBIG ? reduce_medium(a) : reduce_large(a);
+}
+
+template <bool cosine>
+double sin_or_cos(double x);
+
+// Refused argument (too large, infinite or NaN): report 203; a retry starts
+// again from the top with the corrected argument.
+template <bool cosine>
+[[gnu::cold, gnu::noinline]] double refuse(double x) {
+    const report::Verdict v = report::direct(203, x);
+    if (v.retry) return sin_or_cos<cosine>(x);
+    return v.ieee_results ? _NaN_D : double_from_bits(kSubstitute);
+}
+
+// Sine (cosine = false) or cosine of x.  The hot path is a leaf: reports
+// and the larger reductions are out of line.
+template <bool cosine>
+double sin_or_cos(double x) {
+    const std::uint64_t sx = bits_of(x) & flg2;
+    const double a = double_from_bits(bits_of(x) & flg1);
+    Reduced r;
+    if (a < Q9P) {
+        r = ladder(a);
+    } else if (a < DSINMX) {
+        r = reduce_beyond_ladder(a);
+    } else {
+        return refuse<cosine>(x);
+    }
+    if constexpr (cosine) return evaluate(r.hi, r.lo, r.k + 1);
+    return double_from_bits(bits_of(evaluate(r.hi, r.lo, r.k)) ^ sx);
+}
+
+// Both lanes at once when both |x| <= 1.05e8: the step-7 reduction for every
+// lane (k = 0 for small ones), the same evaluation as `evaluate` with the
+// table row chosen per lane, so a lane gives the scalar result whenever the
+// two reductions agree (always below pi/4 and above 9pi/4).
+// Constants of the two-lane code, each stored twice in a row (one aligned
+// 16-byte pair), read through a pointer the compiler cannot see through, so
+// that each is one memory operand instead of a scalar load and a shuffle.
+struct alignas(16) PackedConstants {
+    double kSigns[2] = {-0.0, -0.0};
+    double kHalf2[2] = {0.5, 0.5};
+    double kOne2[2] = {1.0, 1.0};
+    double kC24[2] = {1.0 / 24, 1.0 / 24};
+    double kC6[2] = {1.0 / 6, 1.0 / 6};
+    double kBg2[2] = {BG, BG};
+    double kBh2[2] = {BH, BH};
+    double kHpa2[2] = {HPA, HPA};
+    double kHpb2[2] = {HPB, HPB};
+    double kHpd12[2] = {HPD1, HPD1};
+    double kHpd22[2] = {HPD2, HPD2};
+    double kRhp2[2] = {RHP, RHP};
+    double kXbig2[2] = {XBIG, XBIG};
+    double kQuarter2[2] = {kLargeRows / 256.0, kLargeRows / 256.0};
+};
+inline constexpr PackedConstants kPacked{};
+
+template <bool cosine>
+__m128d packed(__m128d x) {
+    const PackedConstants* K = &kPacked;
+    __asm__("" : "+r"(K));
+    const __m128d signs = _mm_load_pd(K->kSigns);
+    const __m128d a = _mm_andnot_pd(signs, x);
+    if (_mm_movemask_pd(_mm_cmple_pd(a, _mm_load_pd(K->kXbig2))) != 3) {
+        alignas(16) double lane[2];
+        _mm_store_pd(lane, x);
+        const double r0 = sin_or_cos<cosine>(lane[0]);  // as g_dsin / g_dcos would
+        const double r1 = sin_or_cos<cosine>(lane[1]);
+        return _mm_set_pd(r1, r0);
+    }
+    const __m128d bg = _mm_load_pd(K->kBg2);
+    const __m128d s = _mm_add_pd(_mm_mul_pd(a, _mm_load_pd(K->kRhp2)), bg);
+    const __m128d kd = _mm_sub_pd(s, bg);
+    const __m128d p = _mm_sub_pd(_mm_sub_pd(a, _mm_mul_pd(kd, _mm_load_pd(K->kHpa2))),
+                                 _mm_mul_pd(kd, _mm_load_pd(K->kHpb2)));
+    const __m128d mt = _mm_xor_pd(_mm_mul_pd(kd, _mm_load_pd(K->kHpd12)), signs);  // -k HPD1
+    __m128d hi = _mm_add_pd(p, mt);
+    const __m128d bb = _mm_sub_pd(hi, p);
+    const __m128d e = _mm_add_pd(_mm_sub_pd(p, _mm_sub_pd(hi, bb)), _mm_sub_pd(mt, bb));
+    __m128d lo = _mm_sub_pd(e, _mm_mul_pd(kd, _mm_load_pd(K->kHpd22)));
+
+    // Quadrant n = k (+1 for the cosine) in the low word of each lane of s.
+    const __m128i nv = _mm_add_epi32(_mm_castpd_si128(s), _mm_set1_epi32(cosine ? 1 : 0));
+    const __m128i odd = _mm_and_si128(nv, _mm_set1_epi32(1));
+
+    const __m128d flip = _mm_and_pd(hi, signs);  // sign of the reduced argument
+    hi = _mm_xor_pd(hi, flip);
+    lo = _mm_xor_pd(lo, flip);
+
+    const __m128d bh = _mm_load_pd(K->kBh2);
+    const __m128d jb = _mm_add_pd(hi, bh);
+    const __m128d tj = _mm_sub_pd(jb, bh);
+    const __m128d d = _mm_sub_pd(hi, tj);
+    // Row index 2 j + (n & 1) of the 64-byte rows of sc, per lane.
+    const __m128i row = _mm_or_si128(
+        _mm_slli_epi32(_mm_and_si128(_mm_castpd_si128(jb), _mm_set1_epi32(0x3FF)), 1), odd);
+    const std::uint32_t i0 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(row));
+    const std::uint32_t i1 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_unpackhi_epi64(row, row)));
+    const double* row0 = tab::sc[0][0] + 8 * i0;
+    const double* row1 = tab::sc[0][0] + 8 * i1;
+    __m128d g[8];
+    for (int i = 0; i < 8; i += 2) {
+        const __m128d r = _mm_load_pd(row0 + i), t = _mm_load_pd(row1 + i);
+        g[i] = _mm_unpacklo_pd(r, t);
+        g[i + 1] = _mm_unpackhi_pd(r, t);
+    }
+    // As `evaluate`, written X + ((Y + d W) + (lo C + M (Q + d P4))):
+    //   cosine rows:       X = c0, Y = cl, W = 0,  C = -sn, M = 1,  Q = 0;
+    //   small sine rows:   X = hi, Y = 0,  W = 0,  C = cs,  M = hi, Q = s0;
+    //   large sine rows:   X = uh, Y = ul, W = w,  C = cs,  M = hi, Q = 0;
+    // the zero terms drop out exactly, so each lane gives the scalar bits.
+    const __m128d one = _mm_load_pd(K->kOne2);
+    const __m128d cosm = _mm_castsi128_pd(
+        _mm_shuffle_epi32(_mm_cmpeq_epi32(odd, _mm_set1_epi32(1)), _MM_SHUFFLE(2, 2, 0, 0)));
+    // j < 64 exactly when j/256 < 1/4.
+    const __m128d below = _mm_cmplt_pd(tj, _mm_load_pd(K->kQuarter2));
+    const __m128d smallm = _mm_andnot_pd(cosm, below);
+    const __m128d largem = _mm_andnot_pd(cosm, _mm_andnot_pd(below, _mm_castsi128_pd(_mm_set1_epi32(-1))));
+    const __m128d sinm = _mm_or_pd(smallm, largem);
+    const __m128d z = _mm_mul_pd(hi, hi);
+    const __m128d cs = _mm_sub_pd(
+        one, _mm_mul_pd(z, _mm_sub_pd(_mm_load_pd(K->kHalf2), _mm_mul_pd(z, _mm_load_pd(K->kC24)))));
+    const __m128d msn = _mm_xor_pd(_mm_mul_pd(hi, _mm_sub_pd(one, _mm_mul_pd(z, _mm_load_pd(K->kC6)))), signs);
+    const __m128d X = _mm_or_pd(_mm_or_pd(_mm_and_pd(cosm, g[0]), _mm_and_pd(smallm, hi)), _mm_and_pd(largem, g[5]));
+    const __m128d Y = _mm_or_pd(_mm_and_pd(cosm, g[5]), _mm_and_pd(largem, g[6]));
+    const __m128d W = _mm_and_pd(largem, g[7]);
+    const __m128d C = _mm_or_pd(_mm_and_pd(cosm, msn), _mm_and_pd(sinm, cs));
+    const __m128d M = _mm_or_pd(_mm_and_pd(cosm, one), _mm_and_pd(sinm, hi));
+    const __m128d Q = _mm_and_pd(smallm, g[0]);
+    const __m128d dp4 = _mm_mul_pd(d, _mm_add_pd(_mm_add_pd(g[1], _mm_mul_pd(g[2], d)),
+                                                 _mm_mul_pd(_mm_mul_pd(d, d), _mm_add_pd(g[3], _mm_mul_pd(g[4], d)))));
+    const __m128d v = _mm_add_pd(X, _mm_add_pd(_mm_add_pd(Y, _mm_mul_pd(d, W)),
+                                               _mm_add_pd(_mm_mul_pd(lo, C), _mm_mul_pd(M, _mm_add_pd(Q, dp4)))));
+
+    // Sign: bit 1 of the quadrant, the sign of r on sine rows, and for the
+    // sine the sign of x.
+    const __m128d quadrant = _mm_castsi128_pd(_mm_slli_epi64(_mm_and_si128(nv, _mm_set1_epi32(2)), 62));
+    __m128d sign = _mm_xor_pd(quadrant, _mm_and_pd(sinm, flip));
+    if (!cosine) sign = _mm_xor_pd(sign, _mm_and_pd(x, signs));
+    return _mm_xor_pd(v, sign);
+}
+
+}  // namespace
+}  // namespace mivor::elementary
+
+using namespace mivor::elementary;
+
+extern "C" double g_dsin(const double* arg) { return sin_or_cos<false>(*arg); }
+extern "C" double g_dcos(const double* arg) { return sin_or_cos<true>(*arg); }
+extern "C" __m128d pk_dsin(__m128d x) { return packed<false>(x); }
+extern "C" __m128d pk_dcos(__m128d x) { return packed<true>(x); }
