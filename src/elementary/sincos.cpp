@@ -59,6 +59,7 @@ inline constexpr double TP2 = 0x1.1a62633145c07p-52; // 0x3CB1A62633145C07
 inline constexpr double BH = 0x1p+44;                // 0x42B0000000000000
 inline constexpr std::uint64_t flg1 = 0x7FFFFFFFFFFFFFFFu;
 inline constexpr std::uint64_t flg2 = 0x8000000000000000u;
+static_assert(flg1 == ~flg2);  // the masks: magnitude() and sign_of() apply them in SSE registers
 inline constexpr std::uint64_t kSubstitute = 0x3FE6A09E667F3BCDu;  // 0.7071067811865476
 
 // The rungs: shift q of the ladder is C1 + C2 = q pi/2 (q = 0: no shift).
@@ -94,13 +95,16 @@ inline Reduced ladder(double a) {
 // expressions, with the form selected by masks, and gives the same bits.
 inline constexpr std::uint32_t kLargeRows = 64;  // t_j >= 1/4
 
+// Sign masks of the quadrant: n & 2 negates.
+inline constexpr double kQuadrantSign[4] = {0.0, 0.0, -0.0, -0.0};
+
 inline double evaluate(double hi, double lo, std::uint32_t n) {
-    const std::uint64_t sr = bits_of(hi) & flg2;
-    hi = double_from_bits(bits_of(hi) & flg1);
-    lo = double_from_bits(bits_of(lo) ^ sr);
-    std::uint64_t sign = static_cast<std::uint64_t>(n & 2) << 62;
+    const __m128d sr = sign_of(hi);
+    hi = magnitude(hi);
+    lo = flip_by(lo, sr);
+    __m128d sign = _mm_load_sd(&kQuadrantSign[n & 3]);
     const double jb = hi + BH;
-    const std::uint32_t j = low_word(jb) & 0x3FF;
+    const std::uint32_t j = low32(jb) & 0x3FF;
     const double d = hi - (jb - BH);
     const double* g = tab::sc[j][n & 1];
     const double z = hi * hi;
@@ -110,14 +114,14 @@ inline double evaluate(double hi, double lo, std::uint32_t n) {
         const double sn = hi * (1.0 - z * (1.0 / 6));
         v = g[0] + (g[5] + (lo * -sn + dp4));
     } else {
-        sign ^= sr;
+        sign = _mm_xor_pd(sign, sr);
         const double cs = 1.0 - z * (0.5 - z * (1.0 / 24));
         if (j < kLargeRows)
             v = hi + (lo * cs + hi * (g[0] + dp4));
         else
             v = g[5] + ((g[6] + d * g[7]) + (lo * cs + hi * dp4));
     }
-    return double_from_bits(bits_of(v) ^ sign);
+    return flip_by(v, sign);
 }
 
 [[gnu::cold, gnu::noinline]] Reduced reduce_beyond_ladder(double a) {
@@ -140,8 +144,7 @@ template <bool cosine>
 // and the larger reductions are out of line.
 template <bool cosine>
 double sin_or_cos(double x) {
-    const std::uint64_t sx = bits_of(x) & flg2;
-    const double a = double_from_bits(bits_of(x) & flg1);
+    const double a = magnitude(x);
     Reduced r;
     if (a < Q9P) {
         r = ladder(a);
@@ -151,7 +154,7 @@ double sin_or_cos(double x) {
         return refuse<cosine>(x);
     }
     if constexpr (cosine) return evaluate(r.hi, r.lo, r.k + 1);
-    return double_from_bits(bits_of(evaluate(r.hi, r.lo, r.k)) ^ sx);
+    return flip_by(evaluate(r.hi, r.lo, r.k), sign_of(x));
 }
 
 // Both lanes at once when both |x| <= 1.05e8: the step-7 reduction for every

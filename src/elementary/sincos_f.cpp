@@ -36,7 +36,6 @@ inline constexpr float hp = 0x1.921fb6p+0f;        // 0x3FC90FDB
 inline constexpr float max = 823000.0f;            // 0x4948ED80
 inline constexpr std::uint32_t kSubstitute_F = 0x3F3504F3u;  // 0.70710677
 inline constexpr double QPd = trig::QP;
-inline constexpr std::uint64_t kSign = 0x8000000000000000u;
 static_assert(double(hp) == FP1);
 
 struct SinCos {
@@ -48,7 +47,7 @@ inline SinCos reduce(double a) {
     if (a < QPd) return {a, 0};
     const double s = a * trig::RHP + trig::BG;
     const double kd = s - trig::BG;
-    return {((a - kd * FP1) - kd * FP2) - kd * FP3, low_word(s)};
+    return {((a - kd * FP1) - kd * FP2) - kd * FP3, trig::low32(s)};
 }
 
 inline double sin_poly(double r) {
@@ -60,9 +59,9 @@ inline double cos_poly(double r) {
     return 1.0 + z * (C1 + z * (C2 + z * (C3 + z * (C4 + z * C5))));
 }
 
-inline float with_sign(double v, std::uint64_t sign) {
-    return static_cast<float>(double_from_bits(bits_of(v) ^ sign));
-}
+inline constexpr double kQuadrantSign[4] = {0.0, 0.0, -0.0, -0.0};  // n & 2 negates
+
+inline float with_sign(double v, __m128d sign) { return static_cast<float>(trig::flip_by(v, sign)); }
 
 template <bool cosine>
 float sin_or_cos(float x);
@@ -93,20 +92,20 @@ template <bool cotangent>
 template <bool cosine>
 float sin_or_cos(float x) {
     const double xd = x;
-    const std::uint64_t sx = cosine ? 0 : bits_of(xd) & kSign;
-    const double a = double_from_bits(bits_of(xd) & ~kSign);
+    const double a = trig::magnitude(xd);
     if (!(a < double(max))) return refuse_sin_cos<cosine>(x);
     const SinCos rc = reduce(a);
     const std::uint32_t n = rc.k + (cosine ? 1 : 0);
     const double v = (n & 1) ? cos_poly(rc.r) : sin_poly(rc.r);
-    return with_sign(v, sx ^ (static_cast<std::uint64_t>(n & 2) << 62));
+    __m128d sign = _mm_load_sd(&kQuadrantSign[n & 3]);
+    if (!cosine) sign = _mm_xor_pd(sign, trig::sign_of(xd));
+    return with_sign(v, sign);
 }
 
 template <bool cotangent>
 float tan_or_cot(float x) {
     const double xd = x;
-    const std::uint64_t sx = bits_of(xd) & kSign;
-    const double a = double_from_bits(bits_of(xd) & ~kSign);
+    const double a = trig::magnitude(xd);
     if (!(a < double(max))) return refuse_tan_cot<cotangent>(x);
     const SinCos rc = reduce(a);
     const bool odd = rc.k & 1;
@@ -118,7 +117,7 @@ float tan_or_cot(float x) {
     } else {
         v = s / c;
     }
-    return with_sign(odd ? -v : v, sx);
+    return with_sign(odd ? -v : v, trig::sign_of(xd));
 }
 
 }  // namespace

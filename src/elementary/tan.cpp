@@ -59,13 +59,12 @@ inline constexpr double s0 = -55985.69094753418, s1 = 7467.567398791784,
                         s2 = -191.74470960691806;
 inline constexpr double g1 = 0.3333333333312733, g2 = 0.1333340406383807;
 inline constexpr double kSplit = 0x1p+27 + 1.0;  // Veltkamp: 26 + 27 bit halves
-inline constexpr std::uint64_t kSign = 0x8000000000000000u;
 
 inline Reduced reduce(double a) {
     if (a < qp) return {a, 0.0, 0};
     if (a < kTableLimit) {
         const double s = a * rhp + bg;
-        const std::uint32_t k = low_word(s);
+        const std::uint32_t k = trig::low32(s);
         double hi, lo;
         trig::two_sum(a - tan_data::tblp[k][0], -tan_data::tblp[k][1], hi, lo);
         return {hi, lo, k};
@@ -83,7 +82,7 @@ inline constexpr double v0 = r1 + s0 / 3.0, v1 = r2 + s1 / 3.0, v2 = r3 + s2 / 3
 
 inline double tan_reduced(double h, double l) {
     const double z = h * h;
-    const double ah = double_from_bits(bits_of(h) & ~kSign);
+    const double ah = trig::magnitude(h);
     if (ah < kSeriesLimit) return h + (l + h * z * (g1 + g2 * z));
     const double num = u0 + z * (u1 + z * (u2 + z * u3));
     const double den = q0 + z * (q1 + z * (q2 + z));
@@ -95,7 +94,7 @@ inline double tan_reduced(double h, double l) {
 
 // h != 0.
 inline double cot_reduced(double h, double l) {
-    const double ah = double_from_bits(bits_of(h) & ~kSign);
+    const double ah = trig::magnitude(h);
     if (ah < kTinyLimit) return 1.0 / h;  // only r = a itself gets here: l = 0
     const double q = 1.0 / h;
     // e = 1 - q h exactly: q h = p + err by Dekker's product, 1 - p exact.
@@ -122,7 +121,7 @@ using trig::two_product;
 // about 2^-55 (relative) of tan and cot.
 inline double quotient_reduced(double h, double l, bool cotangent) {
     const double jb = h + bg8;
-    const std::uint32_t j = low_word(jb) & 0x3FF;
+    const std::uint32_t j = trig::low32(jb) & 0x3FF;
     const double d = h - (jb - bg8);
     const double* s = sincos_data::sc[j][0];
     const double* c = sincos_data::sc[j][1];
@@ -164,17 +163,16 @@ template <bool cotangent>
 
 template <bool cotangent>
 double tan_or_cot(double x) {
-    const std::uint64_t sx = bits_of(x) & kSign;
-    const double a = double_from_bits(bits_of(x) & ~kSign);
+    const double a = trig::magnitude(x);
     if (!(a < xmax)) return refuse<cotangent>(x);  // too large, infinite or NaN
     const Reduced r = reduce(a);
     const bool odd = r.k & 1;
     double v;
-    const double ah = double_from_bits(bits_of(r.hi) & ~kSign);
+    const double ah = trig::magnitude(r.hi);
     if (ah >= kRationalLimit) {
-        const std::uint64_t sr = bits_of(r.hi) & kSign;
-        v = quotient_reduced(ah, double_from_bits(bits_of(r.lo) ^ sr), odd != cotangent);
-        v = double_from_bits(bits_of(v) ^ sr);
+        const __m128d sr = trig::sign_of(r.hi);
+        v = quotient_reduced(ah, trig::flip_by(r.lo, sr), odd != cotangent);
+        v = trig::flip_by(v, sr);
     } else if (odd != cotangent) {  // the cotangent of r (a quotient by r)
         if (r.hi == 0.0) return pole<cotangent>(x);  // a = 0
         v = cot_reduced(r.hi, r.lo);
@@ -182,7 +180,7 @@ double tan_or_cot(double x) {
         v = tan_reduced(r.hi, r.lo);
     }
     if (odd) v = -v;
-    return double_from_bits(bits_of(v) ^ sx);
+    return trig::flip_by(v, trig::sign_of(x));
 }
 
 }  // namespace

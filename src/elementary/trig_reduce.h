@@ -15,6 +15,8 @@
 //        is below 2^-130.
 #pragma once
 
+#include <emmintrin.h>
+
 #include <cstdint>
 
 #include "elementary/sincos_data.h"
@@ -39,6 +41,16 @@ inline constexpr double HPD2 = sincos_data::HPD2;
 
 static_assert(HPA + HPB == HP1, "the short pieces add up to the double nearest pi/2");
 static_assert(XBIG == 105000000.0 && DSINMX == 3530000000000000.0);
+
+// Bit operations on doubles kept in the SSE registers: on i386 a 64-bit
+// integer view of a double goes through memory, and the two 32-bit halves
+// stall the store forwarding of every round trip.
+inline std::uint32_t low32(double v) {
+    return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(_mm_set_sd(v))));
+}
+inline __m128d sign_of(double v) { return _mm_and_pd(_mm_set_sd(v), _mm_set_sd(-0.0)); }
+inline double flip_by(double v, __m128d sign) { return _mm_cvtsd_f64(_mm_xor_pd(_mm_set_sd(v), sign)); }
+inline double magnitude(double v) { return __builtin_fabs(v); }
 
 struct Reduced {
     double hi, lo;
@@ -76,7 +88,7 @@ inline Reduced reduce_medium(double a) {
     const double p = (a - kd * HPA) - kd * HPB;
     double hi, e;
     two_sum(p, -(kd * HPD1), hi, e);
-    return {hi, e - kd * HPD2, low_word(s)};
+    return {hi, e - kd * HPD2, low32(s)};
 }
 
 // 1.05e8 <= a < 3.53e15.  k < 2^51 no longer gives exact products, so k is
@@ -90,7 +102,7 @@ inline Reduced reduce_medium(double a) {
 // largest arguments; HP1 + HP2 moves the result back into [-pi/4, pi/4].
 [[gnu::noinline]] inline Reduced reduce_large(double a) {
     const double s = a * RHP + BG;
-    std::uint32_t k = low_word(s);
+    std::uint32_t k = low32(s);
     const double kd = s - BG;
     const double kh = double_from_bits(bits_of(kd) & flg5);
     const double kl = kd - kh;
