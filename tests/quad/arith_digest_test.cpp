@@ -73,8 +73,8 @@ struct Expected {
 };
 
 constexpr Expected kExpected[] = {
-    {"g_aqaq", Op::add, 0xADD1u, 0xB737710F9ACB6F79u},
-    {"g_aqsq", Op::sub, 0x5AB1u, 0x02989831B165F7A8u},
+    {"g_aqaq", Op::add, 0xADD1u, 0x414BD4B7AB26578Bu},
+    {"g_aqsq", Op::sub, 0x5AB1u, 0x57F379AEE498D751u},
     {"g_aqmq", Op::mul, 0x3A71u, 0xEACBB9D1F74AFAC6u},
     {"g_aqdq", Op::div, 0xD171u, 0x119C5E61A534CB56u},
 };

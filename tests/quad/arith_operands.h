@@ -148,13 +148,25 @@ inline Pair draw(Stream& s, Op op) {
     switch (op) {
         case Op::add:
         case Op::sub: {
-            ex = 200 + s.below(32300);
-            const unsigned d = s.below(151);
+            // One pair in sixteen at either end of the range: sums that
+            // overflow, differences that fall below the smallest normal.
+            unsigned d;
+            const unsigned edge = s.below(16);
+            if (edge == 0) {
+                ex = 32766 - s.below(2);
+                d = s.below(3);
+            } else if (edge == 1) {
+                ex = 1 + s.below(4);
+                d = s.below(ex);
+            } else {
+                ex = 200 + s.below(32300);
+                d = s.below(151);
+            }
             ey = ex - d;
             if (s.below(4) == 0) fy = near_half_tail(s, fy, d);
             if (s.below(6) == 0) {  // near-equal magnitudes: massive cancellation
                 fy = fx;
-                ey = ex - s.below(2);
+                ey = ex > 1 ? ex - s.below(2) : ex;
                 fy.low ^= s.next() >> s.below(64);
                 if (s.coin()) fy.high ^= s.next() & (kHigh48 >> s.below(48));
             }
