@@ -134,7 +134,7 @@ extern "C" __m128d pk_dexp(__m128d x) {
                                  _mm_mul_pd(_mm_add_pd(_mm_set1_pd(P3), _mm_mul_pd(_mm_set1_pd(P4), r)), r2));
     const __m128i sb = _mm_castpd_si128(s);
     const unsigned j0 = static_cast<unsigned>(_mm_cvtsi128_si32(sb)) & 255;
-    const unsigned j1 = static_cast<unsigned>(_mm_cvtsi128_si32(_mm_unpackhi_epi64(sb, sb))) & 255;
+    const unsigned j1 = static_cast<unsigned>(_mm_extract_epi16(sb, 4)) & 255;
     const __m128d e0 = _mm_loadu_pd(&exp_e[j0].hi);
     const __m128d e1 = _mm_loadu_pd(&exp_e[j1].hi);
     const __m128d hi = _mm_unpacklo_pd(e0, e1);

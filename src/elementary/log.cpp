@@ -160,14 +160,26 @@ inline __m128d packed_log(__m128d x) {
         const double r1 = scalar_log<base>(&lane[1]);
         return _mm_set_pd(r1, r0);
     }
-    alignas(16) double lane[2];
-    _mm_store_pd(lane, x);
-    const Prep p0 = prepare(lane[0], 0);
-    const Prep p1 = prepare(lane[1], 0);
-    const __m128d r = _mm_set_pd(p1.y_minus_c, p0.y_minus_c);
-    const __m128d dn = _mm_set_pd(p1.dn, p0.dn);
-    const __m128d t0 = _mm_loadu_pd(&log_atbl[p0.j].hi);
-    const __m128d t1 = _mm_loadu_pd(&log_atbl[p1.j].hi);
+    // prepare() on both lanes: n from the high words, y by integer
+    // subtraction, c_b by a mask from fraction bit 51; only the table
+    // indices leave the vector unit.
+    const __m128i w = _mm_castpd_si128(x);
+    const __m128i hw = _mm_shuffle_epi32(w, _MM_SHUFFLE(3, 1, 3, 1));  // high words, twice
+    const __m128i n32 = _mm_srai_epi32(_mm_sub_epi32(hw, _mm_set1_epi32(static_cast<int>(kT1High))), 20);
+    const __m128d dn = _mm_cvtepi32_pd(n32);
+    const __m128i n64 = _mm_shuffle_epi32(n32, _MM_SHUFFLE(1, 1, 0, 0));
+    const __m128i yb = _mm_sub_epi64(_mm_and_si128(w, _mm_set1_epi64x(static_cast<long long>(T3))),
+                                     _mm_slli_epi64(n64, 52));
+    const __m128i bm = _mm_shuffle_epi32(_mm_srai_epi32(_mm_slli_epi64(w, 12), 31), _MM_SHUFFLE(3, 3, 1, 1));
+    const __m128d cb = _mm_or_pd(_mm_and_pd(_mm_castsi128_pd(bm), _mm_set1_pd(ctbl[1])),
+                                 _mm_andnot_pd(_mm_castsi128_pd(bm), _mm_set1_pd(ctbl[0])));
+    const __m128d r = _mm_sub_pd(_mm_castsi128_pd(yb), cb);
+    const auto h0 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(hw));
+    const auto h1 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_shuffle_epi32(hw, _MM_SHUFFLE(1, 1, 1, 1))));
+    const unsigned j0 = ((h0 >> 15) & 31) + ((h0 >> 19) & 1);
+    const unsigned j1 = ((h1 >> 15) & 31) + ((h1 >> 19) & 1);
+    const __m128d t0 = _mm_loadu_pd(&log_atbl[j0].hi);
+    const __m128d t1 = _mm_loadu_pd(&log_atbl[j1].hi);
     const __m128d thi = _mm_unpacklo_pd(t0, t1);
     const __m128d tlo = _mm_unpackhi_pd(t0, t1);
     const __m128d a = _mm_mul_pd(dn, _mm_set1_pd(lg2e));
@@ -178,8 +190,8 @@ inline __m128d packed_log(__m128d x) {
     const __m128d L = _mm_add_pd(_mm_add_pd(e1, e2), _mm_add_pd(_mm_mul_pd(dn, _mm_set1_pd(lg2es)), tlo));
     __m128d c[8];
     for (int k = 0; k < 8; k += 2) {
-        const __m128d a0 = _mm_loadu_pd(&log_p[p0.j].c[k]);
-        const __m128d a1 = _mm_loadu_pd(&log_p[p1.j].c[k]);
+        const __m128d a0 = _mm_loadu_pd(&log_p[j0].c[k]);
+        const __m128d a1 = _mm_loadu_pd(&log_p[j1].c[k]);
         c[k] = _mm_unpacklo_pd(a0, a1);
         c[k + 1] = _mm_unpackhi_pd(a0, a1);
     }
