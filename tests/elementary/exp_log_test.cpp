@@ -396,6 +396,18 @@ TEST(Real4, OverflowReports) {
     EXPECT_EQ(handler.numbers(), (std::vector<std::int32_t>{229, 241, 229, 241}));
     EXPECT_EQ(handler.reports()[0].type1, MIVOR_TYPE_REAL4);
     EXPECT_EQ(handler.reports()[0].shown1<float>(), 88.73f);
+    // A retry starts again with the corrected argument.
+    handler.clear();
+    handler.decide([](const Report& r, jwe_control_area&) {
+        float* x = static_cast<float*>(r.first_operand);
+        const bool first = *x > 0.0f;
+        *x = first ? -1e9f : 1.0f;  // underflows quietly
+        return first;
+    });
+    EXPECT_EQ(bits(callf(g_exp, 100.0f)), 0u);
+    EXPECT_EQ(bits(callf(g_exp10, 100.0f)), 0u);
+    EXPECT_EQ(handler.numbers(), (std::vector<std::int32_t>{229, 241}));
+    handler.decide({});
     // g_exp2 has no error number: +Inf, whatever the flag.
     handler.clear();
     EXPECT_EQ(bits(callf(g_exp2, 128.0f)), inf);
