@@ -69,7 +69,13 @@ inline Reduced reduce(double a) {
         trig::two_sum(a - tan_data::tblp[k][0], -tan_data::tblp[k][1], hi, lo);
         return {hi, lo, k};
     }
-    return a < trig::XBIG ? trig::reduce_medium(a) : trig::reduce_large(a);
+    if (!(a < trig::XBIG)) return trig::reduce_large(a);
+    // reduce_medium may leave lo above half an ulp of hi (k HPD2 is added
+    // after the rounding of hi); next to a pole the cotangent's second-order
+    // term (lo/hi)^2 would then show, so hi + lo is renormalised.
+    Reduced r = trig::reduce_medium(a);
+    trig::two_sum(r.hi, r.lo, r.hi, r.lo);
+    return r;
 }
 
 // P/Q = 1/3 + (P - Q/3)/Q: the large part h^3/3 of the correction then

@@ -82,6 +82,25 @@ TEST(Trig, CloseToCorrectlyRounded) {
     EXPECT_TRUE(handler.reports().empty());
 }
 
+// Next to a pole the tangent is -1/r for a tiny reduced argument r: its
+// relative accuracy is that of r, so r's low part must be carried in full
+// (a second-order term of an unnormalised low part once cost 2^-42 here).
+TEST(Trig, NextToPoles) {
+    struct Pole {
+        double x, tan, cot;  // correctly rounded (MPFR)
+    };
+    constexpr Pole poles[] = {
+        {1572.3671231216915, -0x1.9a74bbf1ce9e3p+47, -0x1.3f552891590a4p-48},  // 1001 pi/2
+        {102.10176124166829, -0x1.73184db46efb2p+47, -0x1.61341341f5289p-48},  // 65 pi/2
+        {15707961.697152639, 0x1.946cfb27591bp+30, 0x1.441819445efd2p-31},     // about 10^7 pi/2
+        {103672559.1392595, 0x1.5b6d1ff77c00ap+29, 0x1.7944022a25354p-30},     // below 1.05e8
+    };
+    for (const Pole& p : poles) {
+        EXPECT_LE(ulps(dtan(p.x), p.tan), 1u) << p.x;
+        EXPECT_LE(ulps(dcot(p.x), p.cot), 1u) << p.x;
+    }
+}
+
 TEST(Trig, ZerosAndSymmetry) {
     EXPECT_EQ(bits(dsin(0.0)), 0u);
     EXPECT_EQ(bits(dsin(-0.0)), 0x8000000000000000u);
