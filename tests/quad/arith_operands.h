@@ -168,7 +168,13 @@ inline Pair draw(Stream& s, Op op) {
                 fy = fx;
                 ey = ex > 1 ? ex - s.below(2) : ex;
                 fy.low ^= s.next() >> s.below(64);
-                if (s.coin()) fy.high ^= s.next() & (kHigh48 >> s.below(48));
+                if (s.coin()) {
+                    // Two draws: sequenced explicitly, since the operands
+                    // of & are not, and the stream must not depend on the
+                    // compiler's choice.
+                    const std::uint64_t bits = s.next();
+                    fy.high ^= bits & (kHigh48 >> s.below(48));
+                }
             }
             if (s.coin()) {
                 const std::uint32_t t = ex;
@@ -203,7 +209,13 @@ inline Pair draw(Stream& s, Op op) {
             if (kind == 0) {  // quotient near 1 (or near 2, or 1/2)
                 fy = fx;
                 fy.low ^= s.next() >> s.below(64);
-                if (s.coin()) fy.high ^= s.next() & (kHigh48 >> s.below(48));
+                if (s.coin()) {
+                    // Two draws: sequenced explicitly, since the operands
+                    // of & are not, and the stream must not depend on the
+                    // compiler's choice.
+                    const std::uint64_t bits = s.next();
+                    fy.high ^= bits & (kHigh48 >> s.below(48));
+                }
             } else if (kind == 1) {  // short divisor: exact and periodic quotients
                 fy = Fraction{fy.high & ~(kHigh48 >> (1 + s.below(24))), 0};
             }
