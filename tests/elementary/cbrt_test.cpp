@@ -12,30 +12,18 @@
 #include <random>
 
 #include "mivor/mivor.h"
+#include "support/bits.h"
 #include "support/recording_handler.h"
 
 namespace {
 
 using mivor::testing::RecordingHandler;
+using mivor::testing::bits;
+using mivor::testing::f32;
+using mivor::testing::f64;
 
 long double dcbrt(double x) { return g_dcbrt(&x); }
 float scbrt(float x) { return g_cbrt(&x); }
-
-double from_bits(std::uint64_t b) {
-    double v;
-    std::memcpy(&v, &b, 8);
-    return v;
-}
-std::uint32_t fbits(float v) {
-    std::uint32_t b;
-    std::memcpy(&b, &v, 4);
-    return b;
-}
-float ffrom_bits(std::uint32_t b) {
-    float v;
-    std::memcpy(&v, &b, 4);
-    return v;
-}
 
 // The promised accuracy: two Newton steps from a guess within 5.3e-5 leave
 // 7.9e-18 relative, plus about 1.5 units of the 64-bit significand from the
@@ -63,7 +51,7 @@ TEST(Cbrt, ZeroGivesPositiveZero) {
         EXPECT_EQ(y, 0.0L);
         EXPECT_FALSE(std::signbit(y));
     }
-    for (float z : {0.0f, -0.0f}) EXPECT_EQ(fbits(scbrt(z)), 0u);
+    for (float z : {0.0f, -0.0f}) EXPECT_EQ(bits(scbrt(z)), 0u);
     EXPECT_TRUE(handler.reports().empty());
 }
 
@@ -96,7 +84,7 @@ TEST(Cbrt, ExactCubes) {
 TEST(Cbrt, ResultHasTheSignOfX) {
     std::mt19937_64 rng(7);
     for (int i = 0; i < 20000; ++i) {
-        double x = from_bits(rng() & 0x7FFFFFFFFFFFFFFFu);
+        double x = f64(rng() & 0x7FFFFFFFFFFFFFFFu);
         if (std::isnan(x) || x == 0.0) continue;
         const long double p = dcbrt(x), m = dcbrt(-x);
         ASSERT_FALSE(std::signbit(p));
@@ -113,7 +101,7 @@ TEST(Cbrt, NaNAndInfinity) {
     const double qnan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_TRUE(std::isnan(dcbrt(qnan)));
     EXPECT_TRUE(std::isnan(dcbrt(-qnan)));
-    EXPECT_TRUE(std::isnan(dcbrt(from_bits(0x7FF0000000000001u))));  // signalling
+    EXPECT_TRUE(std::isnan(dcbrt(f64(0x7FF0000000000001u))));  // signalling
     EXPECT_TRUE(std::isnan(scbrt(std::numeric_limits<float>::quiet_NaN())));
     EXPECT_TRUE(std::isnan(scbrt(-std::numeric_limits<float>::quiet_NaN())));
     // The infinity of x's sign.
@@ -135,7 +123,7 @@ TEST(Cbrt, ExtremeMagnitudes) {
     for (int shift = 0; shift < 52; ++shift) {
         for (int i = 0; i < 50; ++i) {
             const std::uint64_t f = (rng() & ((std::uint64_t{1} << 52) - 1)) >> shift;
-            if (f != 0) expect_accurate(from_bits(f));
+            if (f != 0) expect_accurate(f64(f));
         }
     }
     expect_accurate(std::numeric_limits<double>::max());
@@ -156,8 +144,8 @@ TEST(Cbrt, EveryTableRow) {
             const std::uint64_t start = (e << 52) | (top << 48);
             const std::uint64_t span = std::uint64_t{1} << 48;
             for (std::uint64_t off : {std::uint64_t{0}, span / 2, span - 1, span / 3, (span / 3) * 2})
-                expect_accurate(from_bits(start + off));
-            for (int i = 0; i < 200; ++i) expect_accurate(from_bits(start + (rng() & (span - 1))));
+                expect_accurate(f64(start + off));
+            for (int i = 0; i < 200; ++i) expect_accurate(f64(start + (rng() & (span - 1))));
         }
     }
 }
@@ -170,11 +158,11 @@ TEST(Cbrt, EveryTableRow) {
 // lands that close to x; such cases are counted, not judged.
 TEST(Cbrt, FloatsOfThreeBinadesAreCorrectlyRounded) {
     int undecided = 0;
-    for (std::uint32_t b = fbits(1.0f); b < fbits(8.0f); ++b) {
-        const float x = ffrom_bits(b);
+    for (std::uint32_t b = bits(1.0f); b < bits(8.0f); ++b) {
+        const float x = f32(b);
         const float y = scbrt(x);
         const long double yl = y;
-        const long double lo = (yl + ffrom_bits(fbits(y) - 1)) / 2, hi = (yl + ffrom_bits(fbits(y) + 1)) / 2;
+        const long double lo = (yl + f32(bits(y) - 1)) / 2, hi = (yl + f32(bits(y) + 1)) / 2;
         const long double lo3 = lo * lo * lo, hi3 = hi * hi * hi, xl = x;
         if (std::fabs(lo3 - xl) <= xl * 0x1p-61L || std::fabs(hi3 - xl) <= xl * 0x1p-61L) {
             ++undecided;

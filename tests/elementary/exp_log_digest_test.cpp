@@ -15,11 +15,16 @@
 #include <cstring>
 
 #include "mivor/mivor.h"
+#include "support/bits.h"
 #include "support/recording_handler.h"
+#include "support/streams.h"
 
 namespace {
 
 using mivor::testing::RecordingHandler;
+using mivor::testing::bits;
+using mivor::testing::f64;
+using mivor::testing::Fnv1a;
 
 constexpr int kCases = 60000;
 
@@ -31,36 +36,15 @@ struct Stream {
     }
 };
 
-std::uint64_t dbits(double d) {
-    std::uint64_t b;
-    std::memcpy(&b, &d, sizeof b);
-    return b;
-}
-double dval(std::uint64_t b) {
-    double d;
-    std::memcpy(&d, &b, sizeof d);
-    return d;
-}
-
 // A pattern between those of two positive doubles, with a random sign when
 // `signed_range`.
 double between(Stream& st, double lo, double hi, bool signed_range) {
-    const std::uint64_t a = dbits(lo), b = dbits(hi);
+    const std::uint64_t a = bits(lo), b = bits(hi);
     const std::uint64_t r = st.next();
     std::uint64_t v = a + r % (b - a + 1);
     if (signed_range && (r >> 63)) v |= 0x8000000000000000u;
-    return dval(v);
+    return f64(v);
 }
-
-struct Fnv {
-    std::uint64_t h = 0xcbf29ce484222325u;
-    void add(std::uint64_t v) {
-        for (int i = 0; i < 8; ++i) {
-            h ^= (v >> (8 * i)) & 0xFF;
-            h *= 0x100000001b3u;
-        }
-    }
-};
 
 struct Range {
     double lo, hi;
@@ -68,7 +52,7 @@ struct Range {
 };
 
 double input(Stream& st, int i, const Range* ranges, int n_ranges) {
-    if (i % 8 == 0) return dval(st.next());  // anything at all
+    if (i % 8 == 0) return f64(st.next());  // anything at all
     const Range& r = ranges[i % n_ranges];
     return between(st, r.lo, r.hi, r.signed_range);
 }
@@ -117,15 +101,15 @@ Case kCasesTable[] = {
 std::uint64_t digest(const Case& c) {
     RecordingHandler handler;  // no retry; IEEE results on
     Stream st{0x9E3779B97F4A7C15u};
-    Fnv h;
+    Fnv1a h;
     for (int i = 0; i < kCases; ++i) {
         const double x = input(st, i, c.ranges, 3);
         switch (c.kind) {
             case Kind::scalar8:
-                h.add(dbits(c.f8(&x)));
+                h.add_u64(bits(c.f8(&x)));
                 break;
             case Kind::scalar4: {
-                std::uint32_t b = static_cast<std::uint32_t>(dbits(x) >> 32);  // raw patterns too
+                std::uint32_t b = static_cast<std::uint32_t>(bits(x) >> 32);  // raw patterns too
                 float f;
                 if (i % 8 == 0) {
                     std::memcpy(&f, &b, sizeof f);
@@ -135,22 +119,22 @@ std::uint64_t digest(const Case& c) {
                 const float y = c.f4(&f);
                 std::uint32_t yb;
                 std::memcpy(&yb, &y, sizeof yb);
-                h.add(yb);
+                h.add_u64(yb);
                 break;
             }
             case Kind::packed: {
                 const double x2 = input(st, i + 1, c.ranges, 3);
                 alignas(16) double out[2];
                 _mm_store_pd(out, c.pk(_mm_set_pd(x2, x)));
-                h.add(dbits(out[0]));
-                h.add(dbits(out[1]));
+                h.add_u64(bits(out[0]));
+                h.add_u64(bits(out[1]));
                 break;
             }
         }
     }
-    for (const auto& r : handler.reports()) h.add(static_cast<std::uint64_t>(r.number));
-    h.add(handler.reports().size());
-    return h.h;
+    for (const auto& r : handler.reports()) h.add_u64(static_cast<std::uint64_t>(r.number));
+    h.add_u64(handler.reports().size());
+    return h.value();
 }
 
 TEST(ExpLogDigest, EveryFlavourGivesTheBitsOfX86_64) {

@@ -7,33 +7,21 @@
 #include <cstring>
 
 #include "mivor/mivor.h"
+#include "support/bits.h"
 #include "support/recording_handler.h"
 
 namespace {
 
 using mivor::testing::RecordingHandler;
 using mivor::testing::Report;
-
-std::uint64_t bits(double d) {
-    std::uint64_t b;
-    std::memcpy(&b, &d, sizeof b);
-    return b;
-}
-std::uint32_t bits(float f) {
-    std::uint32_t b;
-    std::memcpy(&b, &f, sizeof b);
-    return b;
-}
-double from_bits(std::uint64_t b) {
-    double d;
-    std::memcpy(&d, &b, sizeof d);
-    return d;
-}
-float from_bits32(std::uint32_t b) {
-    float f;
-    std::memcpy(&f, &b, sizeof f);
-    return f;
-}
+using mivor::testing::bits;
+using mivor::testing::f32;
+using mivor::testing::f64;
+using mivor::testing::lane;
+// ulps: where the exact value is not a double, the REAL(8) functions
+// promise about half an ulp, so a correctly rounded expectation may be
+// missed by one.
+using mivor::testing::ulps;
 
 constexpr std::uint64_t kInf = 0x7FF0000000000000u;
 constexpr std::uint64_t kMInf = 0xFFF0000000000000u;
@@ -42,21 +30,7 @@ constexpr std::uint64_t kHuge = 0x7FEFFFFFFFFFFFB6u;
 constexpr std::uint64_t kMHuge = 0xFFEFFFFFFFFFFFB6u;
 
 double call(double (*f)(const double*), double x) { return f(&x); }
-// Distance in units of the last place between two finite doubles of the
-// same sign: where the exact value is not a double, the REAL(8) functions
-// promise about half an ulp, so a correctly rounded expectation may be
-// missed by one.
-std::uint64_t ulps(double a, double b) {
-    const std::uint64_t x = bits(a), y = bits(b);
-    return x > y ? x - y : y - x;
-}
 float callf(float (*f)(const float*), float x) { return f(&x); }
-
-double lane(__m128d v, int i) {
-    alignas(16) double d[2];
-    _mm_store_pd(d, v);
-    return d[i];
-}
 
 // ---- exponentials -------------------------------------------------------
 
@@ -68,7 +42,7 @@ TEST(Exp, ExactPowersAndKnownValues) {
     EXPECT_LE(ulps(call(g_dexp, -1.0), 0x1.78b56362cef38p-2), 1u);
     EXPECT_LE(ulps(call(g_dexp, 700.0), 0x1.d945df4f8ec8ep+1009), 1u);
     for (int k = -1022; k <= 1023; ++k)
-        ASSERT_EQ(call(g_dexp2, k), from_bits(std::uint64_t(k + 1023) << 52)) << k;
+        ASSERT_EQ(call(g_dexp2, k), f64(std::uint64_t(k + 1023) << 52)) << k;
     double ten = 1.0;
     for (int k = 0; k <= 22; ++k, ten *= 10) ASSERT_EQ(call(g_dexp10, k), ten) << k;
     EXPECT_TRUE(handler.reports().empty());
@@ -76,7 +50,7 @@ TEST(Exp, ExactPowersAndKnownValues) {
 
 TEST(Exp, UnderflowGivesZeroOrRoundedSubnormalsWithoutReport) {
     RecordingHandler handler;
-    EXPECT_EQ(bits(call(g_dexp, -from_bits(kInf))), 0u);
+    EXPECT_EQ(bits(call(g_dexp, -f64(kInf))), 0u);
     EXPECT_EQ(bits(call(g_dexp, -709.089)), 0u);
     EXPECT_LE(ulps(call(g_dexp, -709.0), 0x0.8bfe55de02338p-1022), 1u);
     EXPECT_GT(call(g_dexp, -709.0889), 0.0);
@@ -109,7 +83,7 @@ TEST(Exp, LargestResultsBelowTheLimits) {
 
 TEST(Exp, NaNFlowsThroughUnreported) {
     RecordingHandler handler;
-    const double nan = from_bits(kNaN);
+    const double nan = f64(kNaN);
     EXPECT_NE(call(g_dexp, nan), call(g_dexp, nan));
     EXPECT_NE(call(g_dexp2, nan), call(g_dexp2, nan));
     EXPECT_NE(call(g_dexp10, -nan), call(g_dexp10, -nan));
@@ -130,7 +104,7 @@ TEST(Exp, OverflowReportsWithBothFallbacks) {
     };
     for (const OverflowCase& c : cases) {
         RecordingHandler handler;
-        for (double x : {c.at_limit, 5000.0, from_bits(kInf)}) {
+        for (double x : {c.at_limit, 5000.0, f64(kInf)}) {
             handler.clear();
             jwe_lca.ieee_results = 1;
             EXPECT_EQ(bits(call(c.f, x)), kInf) << c.number;
@@ -232,8 +206,8 @@ TEST(Log, ExactValuesAndKnownPoints) {
     EXPECT_EQ(call(g_dlog, 0.75), -0x1.269621134db92p-2);
     EXPECT_LE(ulps(call(g_dlog, 1e-300), -0x1.5963447f87fb5p+9), 1u);
     for (int k = -1074; k <= 1023; ++k) {
-        const double x = k < -1022 ? from_bits(std::uint64_t{1} << (k + 1074))
-                                   : from_bits(std::uint64_t(k + 1023) << 52);
+        const double x = k < -1022 ? f64(std::uint64_t{1} << (k + 1074))
+                                   : f64(std::uint64_t(k + 1023) << 52);
         ASSERT_EQ(call(g_dlog2, x), k) << k;
     }
     double ten = 10.0;
@@ -242,8 +216,8 @@ TEST(Log, ExactValuesAndKnownPoints) {
     EXPECT_EQ(call(g_dlog, 0x1p-1074), -744.4400719213812);
     EXPECT_LE(ulps(call(g_dlog, 0x1.8p-1070), -0x1.72a189cf0df96p+9), 1u);
     // +Inf is not special: it reads as 2^1024.
-    EXPECT_EQ(call(g_dlog, from_bits(kInf)), 709.782712893384);
-    EXPECT_EQ(call(g_dlog2, from_bits(kInf)), 1024.0);
+    EXPECT_EQ(call(g_dlog, f64(kInf)), 709.782712893384);
+    EXPECT_EQ(call(g_dlog2, f64(kInf)), 1024.0);
     EXPECT_TRUE(handler.reports().empty());
 }
 
@@ -276,7 +250,7 @@ TEST(Log, NegativeGivesNaNOrTheLogOfTheMagnitude) {
     RecordingHandler handler;
     jwe_lca.ieee_results = 1;
     EXPECT_EQ(bits(call(g_dlog, -1.0)), kNaN);
-    EXPECT_EQ(bits(call(g_dlog10, -from_bits(kInf))), kNaN);
+    EXPECT_EQ(bits(call(g_dlog10, -f64(kInf))), kNaN);
     // IEEE results off: the sign is flipped and the log computed anew.
     jwe_lca.ieee_results = 0;
     EXPECT_EQ(call(g_dlog, -0x1.5bf0a8b145769p+1), 1.0);
@@ -293,13 +267,13 @@ TEST(Log, NaNWithIeeeResultsOffIsReportedUntilCorrected) {
         return true;
     });
     jwe_lca.ieee_results = 0;
-    EXPECT_EQ(call(g_dlog2, from_bits(kNaN)), 3.0);
+    EXPECT_EQ(call(g_dlog2, f64(kNaN)), 3.0);
     EXPECT_EQ(n, 3);
     // With IEEE results on, one report and the NaN.
     jwe_lca.ieee_results = 1;
     handler.clear();
     handler.decide({});
-    EXPECT_EQ(bits(call(g_dlog, from_bits(kNaN))), kNaN);
+    EXPECT_EQ(bits(call(g_dlog, f64(kNaN))), kNaN);
     EXPECT_EQ(handler.reports().size(), 1u);
 }
 
@@ -309,7 +283,7 @@ TEST(PackedLog, LanesMatchTheScalarFunctionsBitForBit) {
     for (int i = 0; i < 20000; ++i) {
         s = s * 6364136223846793005u + 1442695040888963407u;
         // Positive normals of every binade, and values near 1.
-        const double a = from_bits((s >> 2) % (0x7FE0000000000000u - 0x0010000000000000u) + 0x0010000000000000u);
+        const double a = f64((s >> 2) % (0x7FE0000000000000u - 0x0010000000000000u) + 0x0010000000000000u);
         const double b = 1.0 + (static_cast<double>(s >> 11) * 0x1p-53 - 0.5) * 0x1p-4;
         const __m128d v = pk_dlog(_mm_set_pd(b, a));
         ASSERT_EQ(bits(lane(v, 0)), bits(call(g_dlog, a))) << a;
@@ -357,7 +331,7 @@ TEST(Real4, ExactValues) {
     EXPECT_EQ(callf(g_exp, 0.0f), 1.0f);
     EXPECT_EQ(callf(g_exp, 1.0f), 0x1.5bf0a8p+1f);
     for (int k = -149; k <= 127; ++k) {
-        const float p = k < -126 ? from_bits32(1u << (k + 149)) : from_bits32(std::uint32_t(k + 127) << 23);
+        const float p = k < -126 ? f32(1u << (k + 149)) : f32(std::uint32_t(k + 127) << 23);
         ASSERT_EQ(callf(g_exp2, static_cast<float>(k)), p) << k;
         ASSERT_EQ(callf(g_alog2, p), static_cast<float>(k)) << k;
         ASSERT_EQ(callf(g_log2, p), static_cast<float>(k)) << k;
@@ -373,12 +347,12 @@ TEST(Real4, ExactValues) {
     EXPECT_EQ(callf(g_log, 2.0f), 0x1.62e43p-1f);
     EXPECT_EQ(callf(g_alog, 0x1p-149f), -0x1.9d1dap+6f);  // subnormal argument
     EXPECT_EQ(callf(g_alog, 1.0f + 0x1p-23f), 0x1.fffffep-24f);
-    EXPECT_EQ(callf(g_alog, from_bits32(0x7F800000u)), from_bits32(0x7F800000u));
+    EXPECT_EQ(callf(g_alog, f32(0x7F800000u)), f32(0x7F800000u));
     // Subnormal and zero results, unreported.
     EXPECT_EQ(callf(g_exp, -100.0f), 0x1.bp-145f);
     EXPECT_EQ(bits(callf(g_exp, -104.0f)), 0u);
     EXPECT_EQ(bits(callf(g_exp10, -50.0f)), 0u);
-    EXPECT_EQ(bits(callf(g_exp2, -from_bits32(0x7F800000u))), 0u);
+    EXPECT_EQ(bits(callf(g_exp2, -f32(0x7F800000u))), 0u);
     EXPECT_TRUE(handler.reports().empty());
 }
 
@@ -392,7 +366,7 @@ TEST(Real4, OverflowReports) {
     EXPECT_EQ(bits(callf(g_exp10, 38.6f)), inf);
     jwe_lca.ieee_results = 0;
     EXPECT_EQ(bits(callf(g_exp, 1000.0f)), huge);
-    EXPECT_EQ(bits(callf(g_exp10, from_bits32(inf))), huge);
+    EXPECT_EQ(bits(callf(g_exp10, f32(inf))), huge);
     EXPECT_EQ(handler.numbers(), (std::vector<std::int32_t>{229, 241, 229, 241}));
     EXPECT_EQ(handler.reports()[0].type1, MIVOR_TYPE_REAL4);
     EXPECT_EQ(handler.reports()[0].shown1<float>(), 88.73f);

@@ -6,17 +6,13 @@
 #include <random>
 
 #include "mivor/mivor.h"
+#include "support/bits.h"
 #include "support/recording_handler.h"
 
 namespace {
 
 using mivor::testing::RecordingHandler;
-
-std::uint64_t bits(double v) {
-    std::uint64_t b;
-    std::memcpy(&b, &v, 8);
-    return b;
-}
+using mivor::testing::bits;
 
 long double dsqrt(double x) { return g_dsqrt(&x); }
 float ssqrt(float x) { return g_sqrt(&x); }

@@ -9,27 +9,16 @@
 #include <limits>
 
 #include "mivor/mivor.h"
+#include "support/bits.h"
 #include "support/recording_handler.h"
 
 namespace {
 
 using mivor::testing::RecordingHandler;
 using mivor::testing::Report;
-
-std::uint64_t bits(double d) {
-    std::uint64_t b;
-    std::memcpy(&b, &d, sizeof b);
-    return b;
-}
-std::uint32_t bits(float f) {
-    std::uint32_t b;
-    std::memcpy(&b, &f, sizeof b);
-    return b;
-}
-std::uint64_t ulps(double a, double b) {
-    const std::uint64_t x = bits(a), y = bits(b);
-    return x > y ? x - y : y - x;
-}
+using mivor::testing::bits;
+using mivor::testing::lane;
+using mivor::testing::ulps;
 
 double dsin(double x) { return g_dsin(&x); }
 double dcos(double x) { return g_dcos(&x); }
@@ -39,11 +28,6 @@ float ssin(float x) { return g_sin(&x); }
 float scos(float x) { return g_cos(&x); }
 float stan(float x) { return g_tan(&x); }
 float scot(float x) { return g_cotan(&x); }
-double lane(__m128d v, int i) {
-    alignas(16) double d[2];
-    _mm_store_pd(d, v);
-    return d[i];
-}
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();

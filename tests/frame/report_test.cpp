@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "mivor/mivor.h"
+#include "support/bits.h"
 #include "mivori.h"
 #include "support/recording_handler.h"
 
@@ -12,12 +13,7 @@ namespace {
 
 using mivor::testing::RecordingHandler;
 using mivor::testing::Report;
-
-std::uint64_t bits(double d) {
-    std::uint64_t b;
-    std::memcpy(&b, &d, sizeof b);
-    return b;
-}
+using mivor::testing::bits;
 
 // Byte-wise snapshot of the whole control area.
 struct Snapshot {

@@ -4,34 +4,16 @@
 #include <cstring>
 
 #include "mivor/mivor.h"
+#include "support/bits.h"
 #include "support/recording_handler.h"
 
 namespace {
 
-float f(std::uint32_t b) {
-    float v;
-    std::memcpy(&v, &b, 4);
-    return v;
-}
-double d(std::uint64_t b) {
-    double v;
-    std::memcpy(&v, &b, 8);
-    return v;
-}
-std::uint32_t bits(float v) {
-    std::uint32_t b;
-    std::memcpy(&b, &v, 4);
-    return b;
-}
-std::uint64_t bits(double v) {
-    std::uint64_t b;
-    std::memcpy(&b, &v, 8);
-    return b;
-}
-mivor_real16 q(std::uint32_t w3, std::uint32_t w2, std::uint32_t w1, std::uint32_t w0) {
-    return mivor_real16{{w0, w1, w2, w3}};
-}
-bool same(const mivor_real16& a, const mivor_real16& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+using mivor::testing::bits;
+using mivor::testing::f32;
+using mivor::testing::f64;
+using mivor::testing::q;
+using mivor::testing::same;
 
 std::uint32_t near4(float x, float s) { return bits(g_neare(&x, &s)); }
 std::uint64_t near8(double x, double s) { return bits(g_neared(&x, &s)); }
@@ -59,24 +41,24 @@ TEST(Nearest, ZerosStepToTheSmallestSubnormalWithTheSignOfS) {
     EXPECT_TRUE(same(near16(q(0x80000000, 0, 0, 0), q(0x3FFF0000, 0, 0, 0)), q(0, 0, 0, 1)));
     EXPECT_TRUE(same(near16(q(0, 0, 0, 0), q(0xBFFF0000, 0, 0, 0)), q(0x80000000, 0, 0, 1)));
     // Back from the smallest subnormal to a zero of X's sign.
-    EXPECT_EQ(near4(f(0x80000001u), 1.0f), 0x80000000u);
-    EXPECT_EQ(near8(d(1), -1.0), 0u);
+    EXPECT_EQ(near4(f32(0x80000001u), 1.0f), 0x80000000u);
+    EXPECT_EQ(near8(f64(1), -1.0), 0u);
 }
 
 TEST(Nearest, NoSpecialCaseForInfinitiesAndNaNs) {
-    EXPECT_EQ(near4(f(0x7F800000u), -1.0f), 0x7F7FFFFFu);
+    EXPECT_EQ(near4(f32(0x7F800000u), -1.0f), 0x7F7FFFFFu);
     // The pattern after +Inf is a signalling NaN; returned on the x87 stack
     // (32-bit x86) it arrives quieted, as any REAL(4) result would.
 #if defined(__i386__)
-    EXPECT_EQ(near4(f(0x7F800000u), 1.0f), 0x7FC00001u);
+    EXPECT_EQ(near4(f32(0x7F800000u), 1.0f), 0x7FC00001u);
 #else
-    EXPECT_EQ(near4(f(0x7F800000u), 1.0f), 0x7F800001u);
+    EXPECT_EQ(near4(f32(0x7F800000u), 1.0f), 0x7F800001u);
 #endif
-    EXPECT_EQ(near4(f(0x7F7FFFFFu), 1.0f), 0x7F800000u);
-    EXPECT_EQ(near8(d(0x7FF0000000000000u), -1.0), 0x7FEFFFFFFFFFFFFFu);
-    EXPECT_EQ(near8(d(0x7FF8000000000000u), 1.0), 0x7FF8000000000001u);
+    EXPECT_EQ(near4(f32(0x7F7FFFFFu), 1.0f), 0x7F800000u);
+    EXPECT_EQ(near8(f64(0x7FF0000000000000u), -1.0), 0x7FEFFFFFFFFFFFFFu);
+    EXPECT_EQ(near8(f64(0x7FF8000000000000u), 1.0), 0x7FF8000000000001u);
     // The sign of a NaN direction still counts.
-    EXPECT_EQ(near4(1.0f, f(0xFFC00000u)), 0x3F7FFFFFu);
+    EXPECT_EQ(near4(1.0f, f32(0xFFC00000u)), 0x3F7FFFFFu);
 }
 
 TEST(Nearest, Real16CarriesAndBorrowsAcrossWords) {

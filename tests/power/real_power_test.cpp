@@ -11,20 +11,12 @@
 #include <random>
 
 #include "mivor/mivor.h"
+#include "support/bits.h"
 #include "support/recording_handler.h"
 
 namespace {
 
-std::uint64_t bits(double d) {
-    std::uint64_t b;
-    std::memcpy(&b, &d, sizeof b);
-    return b;
-}
-std::uint32_t bits(float f) {
-    std::uint32_t b;
-    std::memcpy(&b, &f, sizeof b);
-    return b;
-}
+using mivor::testing::bits;
 
 double pow_i4(double x, std::int32_t n) { return g_adxi(&x, &n); }
 double pow_i8(double x, std::int64_t n) { return g_adxj(&x, &n); }

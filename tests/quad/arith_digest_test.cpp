@@ -22,20 +22,6 @@ namespace {
 
 constexpr long kPairs = 100000;
 
-class Fnv1a {
-public:
-    void add(std::uint32_t word) {
-        for (int i = 0; i < 4; ++i) {
-            hash_ ^= (word >> (8 * i)) & 0xFFu;
-            hash_ *= 0x100000001B3u;
-        }
-    }
-    std::uint64_t value() const { return hash_; }
-
-private:
-    std::uint64_t hash_ = 0xCBF29CE484222325u;
-};
-
 mivor_real16 odd_operand(Stream& s, mivor_real16 q) {
     switch (s.below(5)) {
         case 0: q.w[3] &= 0x80000000u; break;                   // zero top, low words kept
@@ -60,7 +46,7 @@ std::uint64_t digest(Op op, std::uint64_t seed) {
         }
         mivor_real16 r;
         fn(&r, &p.x, &p.y);
-        for (std::uint32_t w : r.w) h.add(w);
+        for (std::uint32_t w : r.w) h.add_u32(w);
     }
     return h.value();
 }

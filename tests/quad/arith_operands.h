@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "mivor/types.h"
+#include "support/streams.h"
 
 namespace mivor::testing {
 
@@ -18,12 +19,7 @@ namespace mivor::testing {
 class Stream {
 public:
     explicit Stream(std::uint64_t seed) : state_(seed) {}
-    std::uint64_t next() {
-        std::uint64_t z = (state_ += 0x9E3779B97F4A7C15u);
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9u;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EBu;
-        return z ^ (z >> 31);
-    }
+    std::uint64_t next() { return splitmix64(state_); }
     std::uint32_t below(std::uint32_t n) { return static_cast<std::uint32_t>(next() % n); }
     bool coin() { return (next() & 1) != 0; }
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "mivor/mivor.h"
+#include "support/bits.h"
 #include "support/recording_handler.h"
 
 namespace mivor::testing {
@@ -15,25 +16,22 @@ namespace {
 
 using Fn = mivor_real16* (*)(mivor_real16*, const mivor_real16*, const mivor_real16*);
 
-constexpr mivor_real16 Q(std::uint32_t w3, std::uint32_t w2 = 0, std::uint32_t w1 = 0, std::uint32_t w0 = 0) {
-    return mivor_real16{{w0, w1, w2, w3}};
-}
 constexpr mivor_real16 neg(mivor_real16 q) {
     q.w[3] ^= 0x80000000u;
     return q;
 }
 
-constexpr mivor_real16 kPlusZero = Q(0);
-constexpr mivor_real16 kMinusZero = Q(0x80000000u);
-constexpr mivor_real16 kOne = Q(0x3FFF0000u);
-constexpr mivor_real16 kTwo = Q(0x40000000u);
-constexpr mivor_real16 kThree = Q(0x40008000u);
-constexpr mivor_real16 kHalf = Q(0x3FFE0000u);
-constexpr mivor_real16 kHuge = Q(0x7FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu);
-constexpr mivor_real16 kInf = Q(0x7FFF0000u);
-constexpr mivor_real16 kMinusInf = Q(0xFFFF0000u);
-constexpr mivor_real16 kNaN = Q(0x7FFF8000u);
-constexpr mivor_real16 kMinNormal = Q(0x00010000u);
+constexpr mivor_real16 kPlusZero = q(0);
+constexpr mivor_real16 kMinusZero = q(0x80000000u);
+constexpr mivor_real16 kOne = q(0x3FFF0000u);
+constexpr mivor_real16 kTwo = q(0x40000000u);
+constexpr mivor_real16 kThree = q(0x40008000u);
+constexpr mivor_real16 kHalf = q(0x3FFE0000u);
+constexpr mivor_real16 kHuge = q(0x7FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu);
+constexpr mivor_real16 kInf = q(0x7FFF0000u);
+constexpr mivor_real16 kMinusInf = q(0xFFFF0000u);
+constexpr mivor_real16 kNaN = q(0x7FFF8000u);
+constexpr mivor_real16 kMinNormal = q(0x00010000u);
 
 std::string hex(const mivor_real16& q) {
     char buf[48];
@@ -45,7 +43,7 @@ std::string hex(const mivor_real16& q) {
 #define EXPECT_BITS(expected, actual) EXPECT_EQ(hex(expected), hex(actual))
 
 mivor_real16 call(Fn fn, mivor_real16 x, mivor_real16 y) {
-    mivor_real16 r = Q(0x12345678u, 1, 2, 3);
+    mivor_real16 r = q(0x12345678u, 1, 2, 3);
     EXPECT_EQ(fn(&r, &x, &y), &r);
     return r;
 }
@@ -55,7 +53,7 @@ TEST(QuadArithZero, AdditionReturnsTheOtherOperandBitForBit) {
     EXPECT_BITS(kMinusZero, call(g_aqaq, kPlusZero, kMinusZero));
     EXPECT_BITS(kPlusZero, call(g_aqaq, kMinusZero, kPlusZero));
     // Only the top word counts: low words do not make a number.
-    const mivor_real16 dusty = Q(0, 0, 0, 1), dusty_neg = Q(0x80000000u, 7, 8, 9);
+    const mivor_real16 dusty = q(0, 0, 0, 1), dusty_neg = q(0x80000000u, 7, 8, 9);
     EXPECT_BITS(kThree, call(g_aqaq, dusty, kThree));
     EXPECT_BITS(neg(kThree), call(g_aqaq, neg(kThree), dusty_neg));
     EXPECT_BITS(dusty_neg, call(g_aqaq, dusty, dusty_neg));  // x is tested first
@@ -66,10 +64,10 @@ TEST(QuadArithZero, SubtractionTestsTheSubtrahendFirst) {
     EXPECT_BITS(kPlusZero, call(g_aqsq, kPlusZero, kPlusZero));
     EXPECT_BITS(kMinusZero, call(g_aqsq, kMinusZero, kPlusZero));
     EXPECT_BITS(kPlusZero, call(g_aqsq, kPlusZero, kMinusZero));
-    const mivor_real16 dusty = Q(0, 0, 0, 1), dusty_neg = Q(0x80000000u, 7, 8, 9);
+    const mivor_real16 dusty = q(0, 0, 0, 1), dusty_neg = q(0x80000000u, 7, 8, 9);
     EXPECT_BITS(dusty, call(g_aqsq, dusty, dusty_neg));  // y zero: x as it is
     EXPECT_BITS(neg(kThree), call(g_aqsq, dusty, kThree));
-    EXPECT_BITS(Q(0x3FFF0000u, 1, 2, 3), call(g_aqsq, kMinusZero, Q(0xBFFF0000u, 1, 2, 3)));
+    EXPECT_BITS(q(0x3FFF0000u, 1, 2, 3), call(g_aqsq, kMinusZero, q(0xBFFF0000u, 1, 2, 3)));
     EXPECT_BITS(kThree, call(g_aqsq, kThree, dusty_neg));
 }
 
@@ -77,29 +75,29 @@ TEST(QuadArithZero, ProductsAndQuotientsOfZeroAreUnsigned) {
     RecordingHandler handler;
     EXPECT_BITS(kPlusZero, call(g_aqmq, kMinusZero, kThree));
     EXPECT_BITS(kPlusZero, call(g_aqmq, neg(kThree), kPlusZero));
-    EXPECT_BITS(kPlusZero, call(g_aqmq, Q(0x80000000u, 1, 1, 1), neg(kThree)));
-    EXPECT_BITS(kPlusZero, call(g_aqmq, kHuge, Q(0, 0, 0, 1)));
+    EXPECT_BITS(kPlusZero, call(g_aqmq, q(0x80000000u, 1, 1, 1), neg(kThree)));
+    EXPECT_BITS(kPlusZero, call(g_aqmq, kHuge, q(0, 0, 0, 1)));
     EXPECT_BITS(kPlusZero, call(g_aqdq, kPlusZero, neg(kThree)));
-    EXPECT_BITS(kPlusZero, call(g_aqdq, Q(0x80000000u, 5, 5, 5), kThree));
+    EXPECT_BITS(kPlusZero, call(g_aqdq, q(0x80000000u, 5, 5, 5), kThree));
     EXPECT_TRUE(handler.reports().empty());
 }
 
 TEST(QuadArithRounding, TiesGoToEven) {
-    const mivor_real16 two_m113 = Q(0x3F8E0000u), two_m114 = Q(0x3F8D0000u);
+    const mivor_real16 two_m113 = q(0x3F8E0000u), two_m114 = q(0x3F8D0000u);
     EXPECT_BITS(kOne, call(g_aqaq, kOne, two_m113));                                 // 1 + half ulp
-    EXPECT_BITS(Q(0x3FFF0000u, 0, 0, 2), call(g_aqaq, Q(0x3FFF0000u, 0, 0, 1), two_m113));
+    EXPECT_BITS(q(0x3FFF0000u, 0, 0, 2), call(g_aqaq, q(0x3FFF0000u, 0, 0, 1), two_m113));
     EXPECT_BITS(kOne, call(g_aqsq, kOne, two_m114));  // 1 - half of the ulp below 1
     // Just past the half: the sticky bits decide.
-    EXPECT_BITS(Q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu),
-                call(g_aqsq, kOne, Q(0x3F8D0000u, 0, 0, 1)));
-    EXPECT_BITS(Q(0x3FFF0000u, 0, 0, 1), call(g_aqaq, kOne, Q(0x3F8E0000u, 0, 0, 1)));
+    EXPECT_BITS(q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu),
+                call(g_aqsq, kOne, q(0x3F8D0000u, 0, 0, 1)));
+    EXPECT_BITS(q(0x3FFF0000u, 0, 0, 1), call(g_aqaq, kOne, q(0x3F8E0000u, 0, 0, 1)));
     // (1 + 2^-112)^2 = 1 + 2^-111 + 2^-224: the last term only below G.
-    EXPECT_BITS(Q(0x3FFF0000u, 0, 0, 2), call(g_aqmq, Q(0x3FFF0000u, 0, 0, 1), Q(0x3FFF0000u, 0, 0, 1)));
+    EXPECT_BITS(q(0x3FFF0000u, 0, 0, 2), call(g_aqmq, q(0x3FFF0000u, 0, 0, 1), q(0x3FFF0000u, 0, 0, 1)));
     EXPECT_BITS(kOne, call(g_aqmq, kOne, kOne));
-    EXPECT_BITS(Q(0x3FFD5555u, 0x55555555u, 0x55555555u, 0x55555555u), call(g_aqdq, kOne, kThree));
-    EXPECT_BITS(Q(0x3FFE5555u, 0x55555555u, 0x55555555u, 0x55555555u), call(g_aqdq, kOne, Q(0x3FFF8000u)));
+    EXPECT_BITS(q(0x3FFD5555u, 0x55555555u, 0x55555555u, 0x55555555u), call(g_aqdq, kOne, kThree));
+    EXPECT_BITS(q(0x3FFE5555u, 0x55555555u, 0x55555555u, 0x55555555u), call(g_aqdq, kOne, q(0x3FFF8000u)));
     // Carry out of the significand on rounding: (2 - 2^-112) + 2^-112 * 0.75.
-    EXPECT_BITS(kTwo, call(g_aqaq, Q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu), Q(0x3F8E8000u)));
+    EXPECT_BITS(kTwo, call(g_aqaq, q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu), q(0x3F8E8000u)));
 }
 
 TEST(QuadArithRounding, QuotientsJustBelowOne) {
@@ -109,14 +107,14 @@ TEST(QuadArithRounding, QuotientsJustBelowOne) {
     const struct {
         mivor_real16 x, y, quotient;
     } cases[] = {
-        {Q(0x3FFF8000u, 0, 0, 0x00012344u), Q(0x3FFF8000u, 0, 0, 0x00012345u),
-         Q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
-        {Q(0x3FFF0000u, 0x80000000u, 0xFFFFFFFFu, 0xFFFFFFFCu), Q(0x3FFF0000u, 0x80000000u, 0xFFFFFFFFu, 0xFFFFFFFFu),
-         Q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFAu)},
-        {Q(0x4128ABCDu, 0xFEDCBA98u, 0x01234567u, 0x89ABCDEEu), Q(0x4123ABCDu, 0xFEDCBA98u, 0x01234567u, 0x89ABCDEFu),
-         Q(0x4003FFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
-        {Q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFEu), Q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu),
-         Q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
+        {q(0x3FFF8000u, 0, 0, 0x00012344u), q(0x3FFF8000u, 0, 0, 0x00012345u),
+         q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
+        {q(0x3FFF0000u, 0x80000000u, 0xFFFFFFFFu, 0xFFFFFFFCu), q(0x3FFF0000u, 0x80000000u, 0xFFFFFFFFu, 0xFFFFFFFFu),
+         q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFAu)},
+        {q(0x4128ABCDu, 0xFEDCBA98u, 0x01234567u, 0x89ABCDEEu), q(0x4123ABCDu, 0xFEDCBA98u, 0x01234567u, 0x89ABCDEFu),
+         q(0x4003FFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
+        {q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFEu), q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu),
+         q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
     };
     for (const auto& c : cases) {
         EXPECT_BITS(c.quotient, call(g_aqdq, c.x, c.y));
@@ -125,9 +123,9 @@ TEST(QuadArithRounding, QuotientsJustBelowOne) {
 }
 
 TEST(QuadArithRounding, FarSmallerOperandLeavesTheLargerOne) {
-    const mivor_real16 x = Q(0x4005ABCDu, 0x01234567u, 0x89ABCDEFu, 0xFFFFFFFFu);
+    const mivor_real16 x = q(0x4005ABCDu, 0x01234567u, 0x89ABCDEFu, 0xFFFFFFFFu);
     for (std::uint32_t d : {114u, 145u, 146u, 147u, 400u, 16000u}) {
-        const mivor_real16 tiny = Q(((0x4005u - d) << 16) | 0xFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu);
+        const mivor_real16 tiny = q(((0x4005u - d) << 16) | 0xFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu);
         SCOPED_TRACE(d);
         EXPECT_BITS(x, call(g_aqaq, x, tiny));
         EXPECT_BITS(x, call(g_aqsq, x, tiny));
@@ -135,12 +133,12 @@ TEST(QuadArithRounding, FarSmallerOperandLeavesTheLargerOne) {
         EXPECT_BITS(neg(x), call(g_aqsq, tiny, x));
     }
     // A power of two minus a far smaller number rounds back up to it.
-    EXPECT_BITS(kOne, call(g_aqsq, kOne, Q(0x3F000000u)));
+    EXPECT_BITS(kOne, call(g_aqsq, kOne, q(0x3F000000u)));
 }
 
 TEST(QuadArithCancellation, ExactCancellationIsPlusZeroWithoutReport) {
     RecordingHandler handler;
-    const mivor_real16 x = Q(0xC1234567u, 0x89ABCDEFu, 1, 2);
+    const mivor_real16 x = q(0xC1234567u, 0x89ABCDEFu, 1, 2);
     EXPECT_BITS(kPlusZero, call(g_aqaq, x, neg(x)));
     EXPECT_BITS(kPlusZero, call(g_aqaq, neg(x), x));
     EXPECT_BITS(kPlusZero, call(g_aqsq, x, x));
@@ -149,31 +147,31 @@ TEST(QuadArithCancellation, ExactCancellationIsPlusZeroWithoutReport) {
     EXPECT_BITS(kPlusZero, call(g_aqaq, kNaN, neg(kNaN)));
     EXPECT_TRUE(handler.reports().empty());
     // Massive cancellation is exact: (1 + 2^-112) - 1 and a long borrow.
-    EXPECT_BITS(Q(0x3F8F0000u), call(g_aqsq, Q(0x3FFF0000u, 0, 0, 1), kOne));
-    EXPECT_BITS(Q(0xBF8E0000u), call(g_aqsq, Q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu), kOne));
+    EXPECT_BITS(q(0x3F8F0000u), call(g_aqsq, q(0x3FFF0000u, 0, 0, 1), kOne));
+    EXPECT_BITS(q(0xBF8E0000u), call(g_aqsq, q(0x3FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu), kOne));
 }
 
 TEST(QuadArithOddOperands, ExponentFieldZeroIsReadWithTheImplicitOne) {
-    const mivor_real16 s = Q(0x00000001u);  // (1 + 2^-16) 2^-16383, not a subnormal
-    const mivor_real16 doubled = Q(0x00010001u);
+    const mivor_real16 s = q(0x00000001u);  // (1 + 2^-16) 2^-16383, not a subnormal
+    const mivor_real16 doubled = q(0x00010001u);
     EXPECT_BITS(doubled, call(g_aqaq, s, s));
     EXPECT_BITS(doubled, call(g_aqmq, s, kTwo));
     EXPECT_BITS(doubled, call(g_aqdq, s, kHalf));
     EXPECT_BITS(kOne, call(g_aqdq, s, s));
-    EXPECT_BITS(Q(0x3FFF0001u), call(g_aqmq, s, Q(0x7FFE0000u)));  // 2^16383
+    EXPECT_BITS(q(0x3FFF0001u), call(g_aqmq, s, q(0x7FFE0000u)));  // 2^16383
     // The smallest normal minus it: exponent field 0 results are underflows.
     RecordingHandler handler;
-    EXPECT_BITS(kPlusZero, call(g_aqsq, Q(0x00020000u), Q(0x00018000u)));
+    EXPECT_BITS(kPlusZero, call(g_aqsq, q(0x00020000u), q(0x00018000u)));
     EXPECT_EQ(handler.numbers(), std::vector<std::int32_t>{1398});
 }
 
 TEST(QuadArithOddOperands, ExponentField32767IsAFiniteExponent) {
     RecordingHandler handler;
-    EXPECT_BITS(Q(0x7FFE0000u), call(g_aqmq, kInf, kHalf));
-    EXPECT_BITS(Q(0x7FFE8000u), call(g_aqmq, kNaN, kHalf));  // payload read as fraction
-    EXPECT_BITS(Q(0xFFFE0000u), call(g_aqdq, kMinusInf, kTwo));
-    EXPECT_BITS(Q(0x7FFE0000u), call(g_aqsq, kInf, Q(0x7FFE0000u)));
-    EXPECT_BITS(Q(0x3FFF0000u), call(g_aqdq, kInf, kInf));
+    EXPECT_BITS(q(0x7FFE0000u), call(g_aqmq, kInf, kHalf));
+    EXPECT_BITS(q(0x7FFE8000u), call(g_aqmq, kNaN, kHalf));  // payload read as fraction
+    EXPECT_BITS(q(0xFFFE0000u), call(g_aqdq, kMinusInf, kTwo));
+    EXPECT_BITS(q(0x7FFE0000u), call(g_aqsq, kInf, q(0x7FFE0000u)));
+    EXPECT_BITS(q(0x3FFF0000u), call(g_aqdq, kInf, kInf));
     EXPECT_TRUE(handler.reports().empty());
     EXPECT_BITS(kInf, call(g_aqaq, kInf, kOne));
     EXPECT_EQ(handler.numbers(), std::vector<std::int32_t>{1397});
@@ -182,13 +180,13 @@ TEST(QuadArithOddOperands, ExponentField32767IsAFiniteExponent) {
 TEST(QuadArith, ResultMayAliasAnOperand) {
     mivor_real16 x = kThree, y = kTwo;
     g_aqaq(&x, &x, &y);
-    EXPECT_BITS(Q(0x40014000u), x);
+    EXPECT_BITS(q(0x40014000u), x);
     g_aqsq(&y, &x, &y);
     EXPECT_BITS(kThree, y);
     g_aqmq(&x, &x, &x);
-    EXPECT_BITS(Q(0x40039000u), x);  // 25
+    EXPECT_BITS(q(0x40039000u), x);  // 25
     g_aqdq(&y, &x, &y);
-    EXPECT_BITS(Q(0x40020AAAu, 0xAAAAAAAAu, 0xAAAAAAAAu, 0xAAAAAAABu), y);  // 25/3
+    EXPECT_BITS(q(0x40020AAAu, 0xAAAAAAAAu, 0xAAAAAAAAu, 0xAAAAAAABu), y);  // 25/3
 }
 
 // One error site: operands, what is reported, and the two fallbacks.
@@ -206,8 +204,8 @@ const ErrorCase kErrorCases[] = {
     {"-HUGE + -HUGE", g_aqaq, neg(kHuge), neg(kHuge), 1397, false, kMinusInf, kHuge},
     {"-HUGE - HUGE", g_aqsq, neg(kHuge), kHuge, 1397, false, kMinusInf, kHuge},
     {"HUGE - -HUGE", g_aqsq, kHuge, neg(kHuge), 1397, false, kInf, kHuge},
-    {"2^-16381 + -1.5 2^-16382", g_aqaq, Q(0x00020000u), Q(0x80018000u), 1398, false, kPlusZero, kPlusZero},
-    {"-2^-16381 - -1.5 2^-16382", g_aqsq, Q(0x80020000u), Q(0x80018000u), 1398, false, kPlusZero, kPlusZero},
+    {"2^-16381 + -1.5 2^-16382", g_aqaq, q(0x00020000u), q(0x80018000u), 1398, false, kPlusZero, kPlusZero},
+    {"-2^-16381 - -1.5 2^-16382", g_aqsq, q(0x80020000u), q(0x80018000u), 1398, false, kPlusZero, kPlusZero},
     {"HUGE * 2", g_aqmq, kHuge, kTwo, 1397, false, kInf, kHuge},
     {"-HUGE * 2", g_aqmq, neg(kHuge), kTwo, 1397, false, kMinusInf, kHuge},
     {"HUGE * -HUGE", g_aqmq, kHuge, neg(kHuge), 1397, false, kMinusInf, kHuge},
@@ -219,7 +217,7 @@ const ErrorCase kErrorCases[] = {
     {"1 / +0", g_aqdq, kOne, kPlusZero, 280, false, kInf, kHuge},
     {"-1 / +0", g_aqdq, neg(kOne), kPlusZero, 280, false, kMinusInf, kHuge},
     {"-1 / -0", g_aqdq, neg(kOne), kMinusZero, 280, false, kMinusInf, kHuge},
-    {"1 / -0 with low words", g_aqdq, kOne, Q(0x80000000u, 1, 2, 3), 280, false, kInf, kHuge},
+    {"1 / -0 with low words", g_aqdq, kOne, q(0x80000000u, 1, 2, 3), 280, false, kInf, kHuge},
     {"0 / 0", g_aqdq, kPlusZero, kPlusZero, 280, false, kNaN, kPlusZero},
     {"-0 / -0", g_aqdq, kMinusZero, kMinusZero, 280, false, kNaN, kPlusZero},
 };
@@ -284,9 +282,9 @@ TEST(QuadArithReports, RetryStartsAgainWithTheCorrectedOperands) {
         {"sum becomes finite", g_aqaq, kHuge, kHuge, kHuge, kOne, kHuge},
         {"into the zero shortcut", g_aqaq, kHuge, kHuge, kMinusZero, kThree, kThree},
         {"difference cancels", g_aqsq, kHuge, neg(kHuge), kHuge, kHuge, kPlusZero},
-        {"product", g_aqmq, kHuge, kTwo, kHuge, kHalf, Q(0x7FFDFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
-        {"product underflow", g_aqmq, kMinNormal, kHalf, kMinNormal, kTwo, Q(0x00020000u)},
-        {"quotient", g_aqdq, kHuge, kHalf, kOne, kThree, Q(0x3FFD5555u, 0x55555555u, 0x55555555u, 0x55555555u)},
+        {"product", g_aqmq, kHuge, kTwo, kHuge, kHalf, q(0x7FFDFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
+        {"product underflow", g_aqmq, kMinNormal, kHalf, kMinNormal, kTwo, q(0x00020000u)},
+        {"quotient", g_aqdq, kHuge, kHalf, kOne, kThree, q(0x3FFD5555u, 0x55555555u, 0x55555555u, 0x55555555u)},
         {"zero divisor", g_aqdq, kOne, kPlusZero, kOne, kTwo, kHalf},
         {"zero divisor, then zero dividend", g_aqdq, kOne, kMinusZero, kMinusZero, kTwo, kPlusZero},
     };

@@ -15,6 +15,7 @@
 #include "convert_random.h"
 #include "convert_test_support.h"
 #include "mivor/control_area.h"
+#include "support/streams.h"
 
 using namespace quadtest;
 
@@ -22,13 +23,9 @@ namespace {
 
 constexpr int kCases = 100000;
 
-struct Digest {
-    std::uint64_t h = 0xCBF29CE484222325u;
-    void add(const void* data, std::size_t n) {
-        const auto* p = static_cast<const unsigned char*>(data);
-        for (std::size_t i = 0; i < n; ++i) h = (h ^ p[i]) * 0x100000001B3u;
-    }
-    template <class T> void add(const T& v) { add(&v, sizeof v); }
+// The object representation of each value, byte by byte.
+struct Digest : mivor::testing::Fnv1a {
+    template <class T> void add(const T& v) { add_bytes(&v, sizeof v); }
 };
 
 // Error numbers of the current case; every retry is declined.
@@ -175,7 +172,7 @@ const Entry kEntries[] = {
 std::uint64_t seed_of(const char* name) {
     Digest d;
     while (*name) d.add(*name++);
-    return d.h;
+    return d.value();
 }
 
 TEST(Digest, EveryExportGivesTheHostsBits) {
@@ -196,8 +193,8 @@ TEST(Digest, EveryExportGivesTheHostsBits) {
             reports += g_report_count;
             for (int k = 0; k < g_report_count && k < 4; ++k) d.add(g_reported[k]);
         }
-        if (print) std::printf("    {\"%s\", 0x%016" PRIX64 ", ...},  // %d reports\n", e.name, d.h, reports);
-        EXPECT_EQ(d.h, e.expected) << e.name << ": digest 0x" << std::hex << d.h << " (" << std::dec << reports
+        if (print) std::printf("    {\"%s\", 0x%016" PRIX64 ", ...},  // %d reports\n", e.name, d.value(), reports);
+        EXPECT_EQ(d.value(), e.expected) << e.name << ": digest 0x" << std::hex << d.value() << " (" << std::dec << reports
                                    << " reports)";
     }
     std::memcpy(&jwe_lca, &saved, sizeof saved);

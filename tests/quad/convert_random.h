@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "mivor/types.h"
+#include "support/streams.h"
 #include <climits>
 
 namespace quadtest {
@@ -19,12 +20,7 @@ namespace quadtest {
 // splitmix64.
 struct Random {
     std::uint64_t state;
-    std::uint64_t next() {
-        std::uint64_t z = (state += 0x9E3779B97F4A7C15u);
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9u;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EBu;
-        return z ^ (z >> 31);
-    }
+    std::uint64_t next() { return mivor::testing::splitmix64(state); }
     std::uint32_t below(std::uint32_t n) { return static_cast<std::uint32_t>(next() % n); }
     std::uint32_t word() { return static_cast<std::uint32_t>(next() >> 32); }
     bool coin() { return (next() >> 63) != 0; }

@@ -9,34 +9,14 @@
 #include <ostream>
 
 #include "mivor/mivor.h"
+#include "support/bits.h"
 
 namespace quadtest {
 
-// Words most significant first, as REAL(16) patterns are written.
-constexpr mivor_real16 q(std::uint32_t w3, std::uint32_t w2 = 0, std::uint32_t w1 = 0, std::uint32_t w0 = 0) {
-    return mivor_real16{{w0, w1, w2, w3}};
-}
-
-inline std::uint32_t bits(float v) {
-    std::uint32_t b;
-    std::memcpy(&b, &v, 4);
-    return b;
-}
-inline std::uint64_t bits(double v) {
-    std::uint64_t b;
-    std::memcpy(&b, &v, 8);
-    return b;
-}
-inline float f32(std::uint32_t b) {
-    float v;
-    std::memcpy(&v, &b, 4);
-    return v;
-}
-inline double f64(std::uint64_t b) {
-    double v;
-    std::memcpy(&v, &b, 8);
-    return v;
-}
+using mivor::testing::bits;
+using mivor::testing::f32;
+using mivor::testing::f64;
+using mivor::testing::q;  // words most significant first
 
 // Bit-for-bit equality, printed as words when a check fails.
 struct Words {
