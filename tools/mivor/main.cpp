@@ -5,7 +5,9 @@
 //   mivor golden [--cases N] [--dump] [NAME]
 //                                  digests of every export on fixed inputs
 //   mivor accuracy [...]           ulp errors against MPFR (host flavour)
-//   mivor report                   the summary: exports by family, accuracy
+//   mivor speed                    throughput ratios against libm, __float128
+//   mivor report                   the summary: exports by family, speed,
+//                                  accuracy
 //
 // Options of `call`:
 //   --ieee / --no-ieee      IEEE specials or finite substitutes as fallbacks
@@ -25,6 +27,7 @@
 
 #include "exports/registry.h"
 #include "golden.h"
+#include "speed.h"
 #include "mivor/control_area.h"
 #include "mivori.h"
 #include "values.h"
@@ -42,7 +45,7 @@ int usage() {
     std::fprintf(stderr,
                  "usage: mivor list | call NAME ARG... [--ieee|--no-ieee] [--no-handler] [--suppress]\n"
                  "                               [--fix K=VALUE]... [--retries N]\n"
-                 "       mivor golden [--cases N] [--dump] [NAME] | accuracy [...] | report\n");
+                 "       mivor golden [--cases N] [--dump] [NAME] | speed | accuracy [...] | report\n");
     return 2;
 }
 
@@ -213,6 +216,8 @@ int report(int argc, char** argv) {
     for (const auto& [family, counts] : by_family)
         std::printf("  %-11.*s %3d of %3d\n", static_cast<int>(family.size()), family.data(), counts.first,
                     counts.second);
+    std::printf("\nspeed, ns per element and ratio to the peer (mivor speed):\n");
+    run_speed();
 #if defined(MIVOR_HAVE_MPFR)
     std::printf("\naccuracy against MPFR (mivor accuracy):\n");
     std::fflush(stdout);
@@ -235,6 +240,7 @@ int main(int argc, char** argv) {
     if (command == "list") return list();
     if (command == "call") return call(argc - 2, argv + 2);
     if (command == "report") return report(argc - 1, argv + 1);
+    if (command == "speed") return run_speed();
     if (command == "golden") {
         GoldenOptions options;
         for (int i = 2; i < argc; ++i) {
