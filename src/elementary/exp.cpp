@@ -27,16 +27,22 @@
 // NaN takes the fast path and comes out a NaN, unreported.
 #include <emmintrin.h>
 
+#include <bit>
 #include <cstdint>
 
 #include "elementary/exp_data.h"
 #include "elementary/exp_log.h"
+#include "elementary/lanes.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
 
 using namespace mivor;
 using mivor::elementary::exp_e;
+using mivor::elementary::Lanes;
+using mivor::elementary::lanes;
+using mivor::elementary::opaque;
+using mivor::elementary::twice;
 
 namespace {
 
@@ -113,25 +119,39 @@ extern "C" double g_dexp(const double* arg) {
 // The entry the hyperbolic, gamma and complex functions call.
 extern "C" double _jwe_gdex(const double* arg) { return g_dexp(arg); }
 
+namespace {
+
+// The constants of pk_dexp, two lanes each.
+struct PackedConstants {
+    Lanes magnitude, cmp1, big, lg2, lg2b, lg2c, p1, p2, p3, p4, one;
+};
+constexpr PackedConstants kPacked = {
+    twice(std::bit_cast<double>(std::uint64_t{0x7FFFFFFFFFFFFFFFu})),
+    twice(cmp1), twice(BIG), twice(LG2), twice(LG2B), twice(LG2C), twice(P1), twice(P2), twice(P3), twice(P4),
+    twice(1.0),
+};
+
+}  // namespace
+
 // Both lanes at once unless a lane needs the guarded path; then each lane
 // goes through g_dexp in turn (lane 0 first), reports included.
 extern "C" __m128d pk_dexp(__m128d x) {
-    const __m128d mag = _mm_and_pd(x, _mm_castsi128_pd(_mm_set1_epi64x(0x7FFFFFFFFFFFFFFF)));
-    if (_mm_movemask_pd(_mm_cmpge_pd(mag, _mm_set1_pd(cmp1))) != 0) {
+    const PackedConstants& k = opaque(kPacked);
+    const __m128d mag = _mm_and_pd(x, lanes(k.magnitude));
+    if (_mm_movemask_pd(_mm_cmpge_pd(mag, lanes(k.cmp1))) != 0) {
         alignas(16) double lane[2];
         _mm_store_pd(lane, x);
         const double r0 = g_dexp(&lane[0]);
         const double r1 = g_dexp(&lane[1]);
         return _mm_set_pd(r1, r0);
     }
-    const __m128d big = _mm_set1_pd(BIG);
-    const __m128d s = _mm_add_pd(big, _mm_mul_pd(x, _mm_set1_pd(LG2)));
+    const __m128d big = lanes(k.big);
+    const __m128d s = _mm_add_pd(big, _mm_mul_pd(x, lanes(k.lg2)));
     const __m128d t = _mm_sub_pd(s, big);
-    const __m128d r = _mm_add_pd(_mm_add_pd(x, _mm_mul_pd(t, _mm_set1_pd(LG2B))),
-                                 _mm_mul_pd(t, _mm_set1_pd(LG2C)));
+    const __m128d r = _mm_add_pd(_mm_add_pd(x, _mm_mul_pd(t, lanes(k.lg2b))), _mm_mul_pd(t, lanes(k.lg2c)));
     const __m128d r2 = _mm_mul_pd(r, r);
-    const __m128d q = _mm_add_pd(_mm_add_pd(_mm_set1_pd(P1), _mm_mul_pd(_mm_set1_pd(P2), r)),
-                                 _mm_mul_pd(_mm_add_pd(_mm_set1_pd(P3), _mm_mul_pd(_mm_set1_pd(P4), r)), r2));
+    const __m128d q = _mm_add_pd(_mm_add_pd(lanes(k.p1), _mm_mul_pd(lanes(k.p2), r)),
+                                 _mm_mul_pd(_mm_add_pd(lanes(k.p3), _mm_mul_pd(lanes(k.p4), r)), r2));
     const __m128i sb = _mm_castpd_si128(s);
     const unsigned j0 = static_cast<unsigned>(_mm_cvtsi128_si32(sb)) & 255;
     const unsigned j1 = static_cast<unsigned>(_mm_extract_epi16(sb, 4)) & 255;
@@ -140,7 +160,6 @@ extern "C" __m128d pk_dexp(__m128d x) {
     const __m128d hi = _mm_unpacklo_pd(e0, e1);
     const __m128d lo = _mm_unpackhi_pd(e0, e1);
     const __m128d y = _mm_add_pd(_mm_add_pd(_mm_mul_pd(q, _mm_mul_pd(r, hi)), lo), hi);
-    const __m128i scale = _mm_add_epi64(_mm_slli_epi64(_mm_srli_epi64(sb, 8), 52),
-                                        _mm_set1_epi64x(static_cast<long long>(kOneBits)));
+    const __m128i scale = _mm_add_epi64(_mm_slli_epi64(_mm_srli_epi64(sb, 8), 52), _mm_castpd_si128(lanes(k.one)));
     return _mm_mul_pd(y, _mm_castsi128_pd(scale));
 }
