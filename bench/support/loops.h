@@ -22,6 +22,21 @@ void sum_each(benchmark::State& state, const std::vector<T>& in, F f) {
     state.SetItemsProcessed(state.iterations() * kN);
 }
 
+// Latency of a scalar function: each argument waits for the previous
+// result, joined to it by `+ previous * 0` (an add and a multiply the
+// compiler may not drop, since 0 * x is not 0 for every x; the same cost on
+// both sides of a comparison).  Results are finite, so the arguments are
+// the inputs unchanged.
+template <class T, class F>
+void chain_each(benchmark::State& state, const std::vector<T>& in, F f) {
+    for (auto _ : state) {
+        T previous = 0;
+        for (int i = 0; i < kN; ++i) previous = f(in[i] + previous * T(0));
+        benchmark::DoNotOptimize(previous);
+    }
+    state.SetItemsProcessed(state.iterations() * kN);
+}
+
 // A pk_ form, two elements per call, or (use_packed false) two calls of
 // its scalar export per pair of elements.
 template <__m128d (*P)(__m128d), double (*S)(const double*)>
@@ -38,12 +53,21 @@ void packed(benchmark::State& state, const std::vector<double>& in, bool use_pac
 }
 
 // name_mivor and name_glibc: sum_each over in of the export mine (by
-// address) and of the libm function theirs, registered in that order.
-#define MIVOR_BENCH_LIBM(name, T, in, mine, theirs)                                                            \
-    void name##_mivor(benchmark::State& s) { mivor_bench::sum_each<T>(s, in, [](T x) { return mine(&x); }); }  \
-    void name##_glibc(benchmark::State& s) { mivor_bench::sum_each<T>(s, in, [](T x) { return theirs(x); }); } \
-    BENCHMARK(name##_mivor);                                                                                   \
-    BENCHMARK(name##_glibc);
+// address) and of the libm function theirs; name_latency_mivor and
+// name_latency_glibc: the same through chain_each.  Registered in that order.
+#define MIVOR_BENCH_LIBM(name, T, in, mine, theirs)                                                              \
+    void name##_mivor(benchmark::State& s) { mivor_bench::sum_each<T>(s, in, [](T x) { return mine(&x); }); }    \
+    void name##_glibc(benchmark::State& s) { mivor_bench::sum_each<T>(s, in, [](T x) { return theirs(x); }); }   \
+    void name##_latency_mivor(benchmark::State& s) {                                                             \
+        mivor_bench::chain_each<T>(s, in, [](T x) { return mine(&x); });                                         \
+    }                                                                                                            \
+    void name##_latency_glibc(benchmark::State& s) {                                                             \
+        mivor_bench::chain_each<T>(s, in, [](T x) { return theirs(x); });                                        \
+    }                                                                                                            \
+    BENCHMARK(name##_mivor);                                                                                     \
+    BENCHMARK(name##_glibc);                                                                                     \
+    BENCHMARK(name##_latency_mivor);                                                                             \
+    BENCHMARK(name##_latency_glibc);
 
 // name_packed and name_scalar: the pk_ form P and its scalar export S on
 // the inputs in, registered in that order.

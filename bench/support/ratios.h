@@ -70,12 +70,15 @@ private:
     Options options_;
 };
 
-// The two blocks after a libm comparison: name_mivor / name_glibc for the
-// names, then name_packed / name_scalar for the pk_ names.
+// The blocks after a libm comparison: name_mivor / name_glibc (throughput)
+// and name_latency_mivor / name_latency_glibc for the names, then
+// name_packed / name_scalar for the pk_ names.
 inline void print_libm_ratios(const RatioReporter& reporter, std::initializer_list<const char*> names, int width,
                               std::initializer_list<const char*> pk_names, int pk_width) {
-    std::printf("\nratio mivor/glibc per call (below 1 is faster):\n");
+    std::printf("\nratio mivor/glibc per call, throughput (below 1 is faster):\n");
     reporter.print_ratios(names, "_mivor", "_glibc", width);
+    std::printf("ratio mivor/glibc per call, latency:\n");
+    reporter.print_ratios(names, "_latency_mivor", "_latency_glibc", width);
     std::printf("ratio pk_ per element / two scalar calls:\n");
     reporter.print_ratios(pk_names, "_packed", "_scalar", pk_width);
 }
