@@ -15,15 +15,16 @@
 //  * 64-bit target: two digits of 64 bits from its 128 / 64-bit divide
 //    instruction (Knuth's algorithm D; the estimate from the divisor's upper
 //    word is at most 2 too large).
-//  * 32-bit targets, which divide at most 64 / 32 bits: three digits of 38,
-//    38 and 37 bits, each estimated from the leading 52 bits of the partial
-//    remainder times a double reciprocal of the divisor's leading 52 bits --
-//    the only floating-point division.  The estimate is within 2^-11 of the
-//    true digit (the two 52-bit truncations cost at most 2^(k-50) = 2^-12,
-//    the three double roundings less than 2^-13), so a correction is rare
-//    and never runs twice.  These doubles hold integers below 2^53 and are
-//    built from and read back into integers through their bit patterns
-//    (adding and subtracting 2^52): no conversion instruction is involved.
+//  * 32-bit targets, which divide at most 64 / 32 bits: three digits of 32
+//    bits and a last one of 17, over 32-bit words of the remainder, each
+//    estimated from the remainder's top two words times a double
+//    reciprocal of the divisor's leading 53 bits -- the only floating-point
+//    division.  The estimate is biased low so that only a rare subtraction
+//    is needed; the last digit is taken from its estimate when that is far
+//    enough from an integer, which also proves the remainder non-zero.
+//    These doubles hold integers below 2^53 and are built from and read
+//    back into integers through their bit patterns: no conversion
+//    instruction is involved.
 //
 // Kept on purpose, since compiled programs see every one of these bits:
 //  * only the top word decides whether an operand is zero; y zero is error
@@ -39,10 +40,8 @@
 //   280, x non-zero: the infinity with the sign of x alone -- the sign of
 //        the zero divisor is ignored -- or +HUGE;
 //   280, x zero: the quiet NaN 0x7FFF8000 0 0 0 (IEEE results) or +0.
-#include <bit>
-
-#if defined(__SSE2__) && !defined(__x86_64__)
-#include <emmintrin.h>
+#if !defined(__x86_64__)
+#include <emmintrin.h>  // SSE2 is the baseline of every 32-bit flavour
 #endif
 
 #include "frame/report.h"
@@ -138,92 +137,163 @@ inline void fraction_of_quotient(std::uint64_t rh, std::uint64_t rl, std::uint64
 
 #else
 
-// 2^52 as a bit pattern and as a double: an integer n < 2^52 planted in the
-// mantissa of 2^52 gives the double 2^52 + n exactly.
-constexpr std::uint64_t kTwo52Bits = 0x4330000000000000u;
-constexpr double kTwo52 = 0x1p52;
+// The 32-bit targets: the remainder and the divisor as 32-bit words, and
+// digits of 32 bits, so that moving the remainder on by one digit is a
+// renaming of words rather than a shift over register pairs.
+//
+// Digit estimates come from the SSE2 unit: the remainder's top two words X
+// (below 2^49: the remainder is below the divisor, below 2^113) times a
+// double reciprocal of the divisor's leading 53 bits B.  With
+// t = R 2^32 / b the true digit and u = X 2^36 / B,
+//   t lies in [u - 2^-20, u + 2^-16]  (dropping the remainder's two low
+//   words, and b >= B 2^60 with b < (B + 1) 2^60), and
+//   v = X * fl(2^36 / B) is within u 2^-51.9 < 2^-19.9 of u,
+// so |t - v| < 2^-15.5.  Taking floor(v - 2^-14) the digit is never too
+// large and at most one too small: the remainder after it lies in [0, 2b)
+// and one rare subtraction sets it right.  The estimates only steer; the
+// remainder is exact and every flavour gives the same bits.
 
-// On the 32-bit targets a 64-bit pattern held in two integer registers
-// would reach an SSE register through two 32-bit stores and one 64-bit
-// load, which the store buffer cannot forward (a stall of a dozen cycles or
-// more, on every digit); there the halves are joined in SSE registers.
-inline double double_of(std::uint64_t n) {
-    const std::uint64_t bits = kTwo52Bits | n;
-#if defined(__SSE2__)
-    const __m128i v = _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(static_cast<std::uint32_t>(bits))),
-                                         _mm_cvtsi32_si128(static_cast<int>(static_cast<std::uint32_t>(bits >> 32))));
-    return _mm_cvtsd_f64(_mm_castsi128_pd(v)) - kTwo52;
-#else
-    return std::bit_cast<double>(bits) - kTwo52;
-#endif
-}
-
-// floor(v) for 0 <= v < 2^51, up to ties (v - 1/2 is rounded to nearest).
-// An estimate rounded to nearest would be one too large for half of all
-// digits, each time a mispredicted correction; with the floor the
-// correction runs only when the estimate's error straddles an integer.
-inline std::uint64_t floor_of(double v) {
-    constexpr double kMagic = 0x1.8p52;  // 2^52 + 2^51: v - 1/2 + kMagic is in [2^52, 2^53)
-    const double shifted = (v - 0.5) + kMagic;
-#if defined(__SSE2__)
-    const __m128i b = _mm_castpd_si128(_mm_set_sd(shifted));
-    const std::uint32_t lo = static_cast<std::uint32_t>(_mm_cvtsi128_si32(b));
-    const std::uint32_t hi = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_srli_epi64(b, 32)));
-    return ((std::uint64_t{hi} << 32) | lo) - std::bit_cast<std::uint64_t>(kMagic);
-#else
-    return std::bit_cast<std::uint64_t>(shifted) - std::bit_cast<std::uint64_t>(kMagic);
-#endif
-}
-
-struct Remainder {
-    std::uint64_t hi, lo;
+struct Words {
+    std::uint32_t w0, w1, w2, w3;  // least significant first
 };
 
-// One digit of k bits: q = floor(r * 2^k / b), with r replaced by
-// r * 2^k - q * b.  Requires 0 <= r < b < 2^113, 1 <= k <= 63, and
-// `scaled_recip` = 2^k / (b >> 61) rounded.  The remainder update is done
-// modulo 2^128: its true value lies in (-2b, 2b) whatever the estimate, so
-// the low 128 bits determine it.
-inline std::uint64_t next_digit(Remainder& r, std::uint64_t bh, std::uint64_t bl, int k,
-                                double scaled_recip) {
-    const std::uint64_t top = (r.hi << 3) | (r.lo >> 61);  // < 2^52
-    std::uint64_t q = floor_of(double_of(top) * scaled_recip);
+// The double X = (w3 : w2) for X < 2^52: planted in the mantissa of 2^52,
+// then 2^52 taken off again; both exact.  The words are joined in an SSE
+// register: through memory, two 32-bit stores and a 64-bit load would
+// stall on store forwarding.
+inline __m128d double_of(std::uint32_t w2, std::uint32_t w3) {
+    const __m128i v = _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(w2)), _mm_cvtsi32_si128(static_cast<int>(w3)));
+    const __m128d two52 = _mm_set_sd(0x1p52);
+    return _mm_sub_sd(_mm_castsi128_pd(_mm_or_si128(v, _mm_castpd_si128(two52))), two52);
+}
+
+// floor(v - 2^-14), and 0 for v below 2^-14: v - 2^-14 - 1/2 rounded to an
+// integer by adding 2^52 + 2^51, whose low word is then the digit (digits
+// are below 2^32).  An exact tie may come out one lower, which the bound
+// above allows for.
+inline std::uint32_t digit_estimate(__m128d x, __m128d scale) {
+    __m128d v = _mm_mul_sd(x, scale);
+    v = _mm_sub_sd(v, _mm_set_sd(0.5 + 0x1p-14));
+    v = _mm_max_sd(v, _mm_set_sd(-0.5));
+    v = _mm_add_sd(v, _mm_set_sd(0x1.8p52));
+    return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(v)));
+}
+
+// R <- R 2^32 - q b for the estimate q of the next digit; returns the true
+// digit.  R 2^32 - q b lies in [0, 2b), below 2^114, so the four low words
+// of the difference are all of it: the fifth words are not formed, and the
+// top word of q b needs only the low half of its product.  Written out as
+// one multiply-and-subtract pass over the words (the carry word absorbs
+// each borrow): the compiler's 64-bit register-pair code for the same sums
+// spills most of its partial results.
+inline std::uint32_t next_digit(Words& r, const Words& b, std::uint64_t bh, std::uint64_t bl, std::uint32_t q) {
+    std::uint32_t w0, r0 = r.w0, r1 = r.w1, r2 = r.w2, lo_word, carry;
+    __asm__(
+        "movl %[q], %%eax\n\t"
+        "mull %[b0]\n\t"
+        "negl %%eax\n\t"
+        "movl %%eax, %[w0]\n\t"
+        "adcl $0, %%edx\n\t"
+        "movl %%edx, %[c]\n\t"
+        "movl %[q], %%eax\n\t"
+        "mull %[b1]\n\t"
+        "addl %[c], %%eax\n\t"
+        "adcl $0, %%edx\n\t"
+        "subl %%eax, %[r0]\n\t"
+        "adcl $0, %%edx\n\t"
+        "movl %%edx, %[c]\n\t"
+        "movl %[q], %%eax\n\t"
+        "mull %[b2]\n\t"
+        "addl %[c], %%eax\n\t"
+        "adcl $0, %%edx\n\t"
+        "subl %%eax, %[r1]\n\t"
+        "adcl $0, %%edx\n\t"
+        "movl %[q], %%eax\n\t"
+        "imull %[b3], %%eax\n\t"
+        "addl %%edx, %%eax\n\t"
+        "subl %%eax, %[r2]"
+        : [w0] "=&rm"(w0), [r0] "+r"(r0), [r1] "+r"(r1), [r2] "+r"(r2), [c] "=&c"(carry), "=&a"(lo_word)
+        : [q] "rm"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3)
+        : "edx", "cc");
+    r = Words{w0, r0, r1, r2};
+    if (r2 >= b.w3) [[unlikely]] {  // about one digit in 2^14
+        std::uint64_t hi = (std::uint64_t{r2} << 32) | r1, lo = (std::uint64_t{r0} << 32) | w0;
+        if (hi > bh || (hi == bh && lo >= bl)) {
+            ++q;
+            hi -= bh + (lo < bl);
+            lo -= bl;
+            r = Words{static_cast<std::uint32_t>(lo), static_cast<std::uint32_t>(lo >> 32), static_cast<std::uint32_t>(hi),
+                      static_cast<std::uint32_t>(hi >> 32)};
+        }
+    }
+    return q;
+}
+
+// The last 17 bits, q = floor(R 2^17 / b), and whether the remainder
+// R 2^17 - q b is non-zero, the slow way: for the rare estimates too close
+// to an integer to decide (exact quotients among them).  The estimate may
+// be off by one either way; the difference lies in (-2b, 2b), so it is
+// formed modulo 2^128.
+[[gnu::cold, gnu::noinline]] std::uint32_t last_digit_exact(Words r, std::uint64_t bh, std::uint64_t bl,
+                                                            std::uint32_t q, bool* inexact) {
+    const std::uint64_t rh = (std::uint64_t{r.w3} << 32) | r.w2, rl = (std::uint64_t{r.w1} << 32) | r.w0;
     std::uint64_t ph;
     const std::uint64_t pl = detail::mul_64x64(q, bl, &ph);
     ph += detail::mul_low(q, bh);
-    const std::uint64_t nh = (r.hi << k) | (r.lo >> (64 - k));
-    const std::uint64_t nl = r.lo << k;
+    const std::uint64_t nh = (rh << 17) | (rl >> 47), nl = rl << 17;
     std::uint64_t lo = nl - pl;
     std::uint64_t hi = nh - ph - (nl < pl);
-    while ((hi >> 63) != 0) {  // estimate too large
+    while ((hi >> 63) != 0) {
         --q;
         lo += bl;
         hi += bh + (lo < bl);
     }
-    while (hi > bh || (hi == bh && lo >= bl)) {  // too small
+    while (hi > bh || (hi == bh && lo >= bl)) {
         ++q;
         hi -= bh + (lo < bl);
         lo -= bl;
     }
-    r = Remainder{hi, lo};
+    *inexact = (hi | lo) != 0;
     return q;
 }
 
 // The fraction bits of r / b for 0 <= r < b; contract as on the 64-bit
-// target.  Three digits of 38, 38 and 37 bits: quotient = 2^113 + q1 2^75 + q2 2^37 + q3,
-// whose top 113 bits are the significand and bit 0 the first bit below.
+// target.  Three exact digits of 32 bits, then 17 bits q4 read off the
+// estimate w = X 2^21 / B: |R 2^17 / b - w| < 2^-30 by the bound above
+// scaled by 2^-15, so when floor(w - 2^-28) = floor(w + 2^-28) that is the
+// digit and the remainder is not zero (the true quotient is no integer).
+// quotient = 2^113 + q1 2^81 + q2 2^49 + q3 2^17 + q4: its top 113 bits
+// are the significand and bit 0 the first bit below.
 inline void fraction_of_quotient(std::uint64_t rh, std::uint64_t rl, std::uint64_t bh, std::uint64_t bl,
                                  std::uint64_t* hi, std::uint64_t* lo, std::uint64_t* ext) {
-    Remainder r{rh, rl};
-    const double recip = 1.0 / double_of((bh << 3) | (bl >> 61));
-    const std::uint64_t q1 = next_digit(r, bh, bl, 38, recip * 0x1p38);
-    const std::uint64_t q2 = next_digit(r, bh, bl, 38, recip * 0x1p38);
-    const std::uint64_t q3 = next_digit(r, bh, bl, 37, recip * 0x1p37);
-    const std::uint64_t qh = (std::uint64_t{1} << 49) | (q1 << 11) | (q2 >> 27);
-    const std::uint64_t ql = (q2 << 37) | q3;
-    *hi = qh >> 1;
-    *lo = (ql >> 1) | (qh << 63);
-    *ext = (ql << 63) | ((r.hi | r.lo) != 0);
+    const Words b{static_cast<std::uint32_t>(bl), static_cast<std::uint32_t>(bl >> 32), static_cast<std::uint32_t>(bh),
+                  static_cast<std::uint32_t>(bh >> 32)};
+    Words r{static_cast<std::uint32_t>(rl), static_cast<std::uint32_t>(rl >> 32), static_cast<std::uint32_t>(rh),
+            static_cast<std::uint32_t>(rh >> 32)};
+    // B = the divisor's leading 53 bits, planted below the exponent of 2^52
+    // with its own leading one cleared.
+    const std::uint64_t lead = ((bh << 4) | (bl >> 60)) ^ (std::uint64_t{1} << 52);
+    const __m128d big_b = _mm_castsi128_pd(
+        _mm_or_si128(_mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(static_cast<std::uint32_t>(lead))),
+                                        _mm_cvtsi32_si128(static_cast<int>(static_cast<std::uint32_t>(lead >> 32)))),
+                     _mm_castpd_si128(_mm_set_sd(0x1p52))));
+    const __m128d c32 = _mm_div_sd(_mm_set_sd(0x1p36), big_b);
+    const __m128d c17 = _mm_mul_sd(c32, _mm_set_sd(0x1p-15));
+    const std::uint32_t q1 = next_digit(r, b, bh, bl, digit_estimate(double_of(r.w2, r.w3), c32));
+    const std::uint32_t q2 = next_digit(r, b, bh, bl, digit_estimate(double_of(r.w2, r.w3), c32));
+    const std::uint32_t q3 = next_digit(r, b, bh, bl, digit_estimate(double_of(r.w2, r.w3), c32));
+    // Both floors at once, lower in lane 0.
+    const __m128d w = _mm_mul_sd(double_of(r.w2, r.w3), c17);
+    const __m128d rounded = _mm_add_pd(_mm_sub_pd(_mm_unpacklo_pd(w, w), _mm_set_pd(0.5 - 0x1p-28, 0.5 + 0x1p-28)),
+                                       _mm_set1_pd(0x1.8p52));
+    std::uint32_t q4 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(rounded)));
+    const std::uint32_t q4_upper =
+        static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_shuffle_epi32(_mm_castpd_si128(rounded), 2)));
+    bool inexact = true;
+    if (q4 != q4_upper) [[unlikely]] q4 = last_digit_exact(r, bh, bl, q4_upper, &inexact);
+    *hi = detail::kImplicitOne | (std::uint64_t{q1} << 16) | (q2 >> 16);
+    *lo = (std::uint64_t{q2} << 48) | (std::uint64_t{q3} << 16) | (q4 >> 1);
+    *ext = (std::uint64_t{q4} << 63) | inexact;
 }
 
 #endif
