@@ -135,45 +135,69 @@ inline void fraction_of_quotient(std::uint64_t rh, std::uint64_t rl, std::uint64
     *ext = (q2 << 48) | ((r1 | r0) != 0);
 }
 
+// x / y for non-zero tops.
+inline Status divide_nonzero(Halves x, Halves y, Halves* out) {
+    const std::uint64_t sign = (x.hi ^ y.hi) & detail::kSign64;
+    std::int32_t e = detail::exponent_of(x) - detail::exponent_of(y) + kBias;
+    std::uint64_t ah = detail::significand_high(x), al = x.lo;
+    const std::uint64_t bh = detail::significand_high(y), bl = y.lo;
+    if (ah < bh || (ah == bh && al < bl)) {
+        ah = (ah << 1) | (al >> 63);
+        al <<= 1;
+        --e;
+    }
+    // The quotient's leading one: r = a - b < b; the fraction bits are
+    // those of r / b.
+    std::uint64_t hi, lo, ext;
+    fraction_of_quotient(ah - bh - (al < bl), al - bl, bh, bl, &hi, &lo, &ext);
+    return detail::round_and_pack(sign, e, hi, lo, ext, out);
+}
+
 #else
 
-// The 32-bit targets: the remainder and the divisor as 32-bit words, and
-// digits of 32 bits, so that moving the remainder on by one digit is a
+// The 32-bit targets work on 32-bit words throughout: operands are read,
+// and the quotient rounded and written, a word at a time, and the digits
+// are 32 bits wide, so that moving the remainder on by one digit is a
 // renaming of words rather than a shift over register pairs.
 //
 // Digit estimates come from the SSE2 unit: the remainder's top two words X
 // (below 2^49: the remainder is below the divisor, below 2^113) times a
-// double reciprocal of the divisor's leading 53 bits B.  With
-// t = R 2^32 / b the true digit and u = X 2^36 / B,
+// double reciprocal c = fl(2^36 / B) of the divisor's leading 53 bits B.
+// With t = R 2^32 / b the true digit and u = X 2^36 / B,
 //   t lies in [u - 2^-20, u + 2^-16]  (dropping the remainder's two low
-//   words, and b >= B 2^60 with b < (B + 1) 2^60), and
-//   v = X * fl(2^36 / B) is within u 2^-51.9 < 2^-19.9 of u,
-// so |t - v| < 2^-15.5.  Taking floor(v - 2^-14) the digit is never too
-// large and at most one too small: the remainder after it lies in [0, 2b)
-// and one rare subtraction sets it right.  The estimates only steer; the
-// remainder is exact and every flavour gives the same bits.
+//   words, and b >= B 2^60 with b < (B + 1) 2^60), and X c is within
+//   2^-21 of u.
+// X c is formed as (2^52 + X) c - 2^52 c, the first term straight from the
+// bit pattern with X planted in the mantissa of 2^52: that product rounds
+// by at most 2^-17 (it lies below 2^37), and the subtraction is exact
+// (Sterbenz).  The constant subtracted also takes off 1/2 + 2^-13 (one more
+// rounding of at most 2^-17), and adding 2^52 + 2^51 then rounds to an
+// integer: the digit is floor(v) for some v in (t - 2^-13 - 2^-15, t), so
+// it is never too large and at most one too small -- also when an exact
+// tie rounds down.  The remainder after it lies in [0, 2b), and one rare
+// subtraction sets it right.  The estimates only steer; the remainder is
+// exact and every flavour gives the same bits.
 
 struct Words {
     std::uint32_t w0, w1, w2, w3;  // least significant first
 };
 
-// The double X = (w3 : w2) for X < 2^52: planted in the mantissa of 2^52,
-// then 2^52 taken off again; both exact.  The words are joined in an SSE
-// register: through memory, two 32-bit stores and a 64-bit load would
-// stall on store forwarding.
-inline __m128d double_of(std::uint32_t w2, std::uint32_t w3) {
-    const __m128i v = _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(w2)), _mm_cvtsi32_si128(static_cast<int>(w3)));
-    const __m128d two52 = _mm_set_sd(0x1p52);
-    return _mm_sub_sd(_mm_castsi128_pd(_mm_or_si128(v, _mm_castpd_si128(two52))), two52);
+inline __m128d bits_as_double(std::uint32_t lo, std::uint32_t hi) {
+    return _mm_castsi128_pd(
+        _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(lo)), _mm_cvtsi32_si128(static_cast<int>(hi))));
 }
 
-// floor(v - 2^-14), and 0 for v below 2^-14: v - 2^-14 - 1/2 rounded to an
-// integer by adding 2^52 + 2^51, whose low word is then the digit (digits
-// are below 2^32).  An exact tie may come out one lower, which the bound
-// above allows for.
-inline std::uint32_t digit_estimate(__m128d x, __m128d scale) {
-    __m128d v = _mm_mul_sd(x, scale);
-    v = _mm_sub_sd(v, _mm_set_sd(0.5 + 0x1p-14));
+// 2^52 + (w3 : w2) for (w3 : w2) < 2^52.  The words are joined in an SSE
+// register: through memory, two 32-bit stores and a 64-bit load would stall
+// on store forwarding.
+inline __m128d planted(std::uint32_t w2, std::uint32_t w3) {
+    return _mm_or_pd(bits_as_double(w2, w3), _mm_set_sd(0x1p52));
+}
+
+// The digit estimate described above; `offset` = 2^52 c + 1/2 + 2^-13.
+// Below 1/2 + 2^-13 the estimate is clamped to 0 (the digit is 0 then).
+inline std::uint32_t digit_estimate(std::uint32_t w2, std::uint32_t w3, __m128d c, __m128d offset) {
+    __m128d v = _mm_sub_sd(_mm_mul_sd(planted(w2, w3), c), offset);
     v = _mm_max_sd(v, _mm_set_sd(-0.5));
     v = _mm_add_sd(v, _mm_set_sd(0x1.8p52));
     return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(v)));
@@ -186,7 +210,7 @@ inline std::uint32_t digit_estimate(__m128d x, __m128d scale) {
 // one multiply-and-subtract pass over the words (the carry word absorbs
 // each borrow): the compiler's 64-bit register-pair code for the same sums
 // spills most of its partial results.
-inline std::uint32_t next_digit(Words& r, const Words& b, std::uint64_t bh, std::uint64_t bl, std::uint32_t q) {
+inline std::uint32_t next_digit(Words& r, const Words& b, std::uint32_t q) {
     std::uint32_t w0, r0 = r.w0, r1 = r.w1, r2 = r.w2, lo_word, carry;
     __asm__(
         "movl %[q], %%eax\n\t"
@@ -216,14 +240,15 @@ inline std::uint32_t next_digit(Words& r, const Words& b, std::uint64_t bh, std:
         : [q] "rm"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3)
         : "edx", "cc");
     r = Words{w0, r0, r1, r2};
-    if (r2 >= b.w3) [[unlikely]] {  // about one digit in 2^14
+    if (r2 >= b.w3) [[unlikely]] {  // about one digit in 2^13
+        const std::uint64_t bh = (std::uint64_t{b.w3} << 32) | b.w2, bl = (std::uint64_t{b.w1} << 32) | b.w0;
         std::uint64_t hi = (std::uint64_t{r2} << 32) | r1, lo = (std::uint64_t{r0} << 32) | w0;
         if (hi > bh || (hi == bh && lo >= bl)) {
             ++q;
             hi -= bh + (lo < bl);
             lo -= bl;
-            r = Words{static_cast<std::uint32_t>(lo), static_cast<std::uint32_t>(lo >> 32), static_cast<std::uint32_t>(hi),
-                      static_cast<std::uint32_t>(hi >> 32)};
+            r = Words{static_cast<std::uint32_t>(lo), static_cast<std::uint32_t>(lo >> 32),
+                      static_cast<std::uint32_t>(hi), static_cast<std::uint32_t>(hi >> 32)};
         }
     }
     return q;
@@ -234,9 +259,9 @@ inline std::uint32_t next_digit(Words& r, const Words& b, std::uint64_t bh, std:
 // to an integer to decide (exact quotients among them).  The estimate may
 // be off by one either way; the difference lies in (-2b, 2b), so it is
 // formed modulo 2^128.
-[[gnu::cold, gnu::noinline]] std::uint32_t last_digit_exact(Words r, std::uint64_t bh, std::uint64_t bl,
-                                                            std::uint32_t q, bool* inexact) {
+[[gnu::cold, gnu::noinline]] std::uint32_t last_digit_exact(Words r, Words b, std::uint32_t q, bool* inexact) {
     const std::uint64_t rh = (std::uint64_t{r.w3} << 32) | r.w2, rl = (std::uint64_t{r.w1} << 32) | r.w0;
+    const std::uint64_t bh = (std::uint64_t{b.w3} << 32) | b.w2, bl = (std::uint64_t{b.w1} << 32) | b.w0;
     std::uint64_t ph;
     const std::uint64_t pl = detail::mul_64x64(q, bl, &ph);
     ph += detail::mul_low(q, bh);
@@ -257,64 +282,104 @@ inline std::uint32_t next_digit(Words& r, const Words& b, std::uint64_t bh, std:
     return q;
 }
 
-// The fraction bits of r / b for 0 <= r < b; contract as on the 64-bit
-// target.  Three exact digits of 32 bits, then 17 bits q4 read off the
-// estimate w = X 2^21 / B: |R 2^17 / b - w| < 2^-30 by the bound above
-// scaled by 2^-15, so when floor(w - 2^-28) = floor(w + 2^-28) that is the
-// digit and the remainder is not zero (the true quotient is no integer).
-// quotient = 2^113 + q1 2^81 + q2 2^49 + q3 2^17 + q4: its top 113 bits
-// are the significand and bit 0 the first bit below.
-inline void fraction_of_quotient(std::uint64_t rh, std::uint64_t rl, std::uint64_t bh, std::uint64_t bl,
-                                 std::uint64_t* hi, std::uint64_t* lo, std::uint64_t* ext) {
-    const Words b{static_cast<std::uint32_t>(bl), static_cast<std::uint32_t>(bl >> 32), static_cast<std::uint32_t>(bh),
-                  static_cast<std::uint32_t>(bh >> 32)};
-    Words r{static_cast<std::uint32_t>(rl), static_cast<std::uint32_t>(rl >> 32), static_cast<std::uint32_t>(rh),
-            static_cast<std::uint32_t>(rh >> 32)};
-    // B = the divisor's leading 53 bits, planted below the exponent of 2^52
-    // with its own leading one cleared.
-    const std::uint64_t lead = ((bh << 4) | (bl >> 60)) ^ (std::uint64_t{1} << 52);
-    const __m128d big_b = _mm_castsi128_pd(
-        _mm_or_si128(_mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(static_cast<std::uint32_t>(lead))),
-                                        _mm_cvtsi32_si128(static_cast<int>(static_cast<std::uint32_t>(lead >> 32)))),
-                     _mm_castpd_si128(_mm_set_sd(0x1p52))));
-    const __m128d c32 = _mm_div_sd(_mm_set_sd(0x1p36), big_b);
-    const __m128d c17 = _mm_mul_sd(c32, _mm_set_sd(0x1p-15));
-    const std::uint32_t q1 = next_digit(r, b, bh, bl, digit_estimate(double_of(r.w2, r.w3), c32));
-    const std::uint32_t q2 = next_digit(r, b, bh, bl, digit_estimate(double_of(r.w2, r.w3), c32));
-    const std::uint32_t q3 = next_digit(r, b, bh, bl, digit_estimate(double_of(r.w2, r.w3), c32));
-    // Both floors at once, lower in lane 0.
-    const __m128d w = _mm_mul_sd(double_of(r.w2, r.w3), c17);
-    const __m128d rounded = _mm_add_pd(_mm_sub_pd(_mm_unpacklo_pd(w, w), _mm_set_pd(0.5 - 0x1p-28, 0.5 + 0x1p-28)),
-                                       _mm_set1_pd(0x1.8p52));
-    std::uint32_t q4 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(rounded)));
-    const std::uint32_t q4_upper =
-        static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_shuffle_epi32(_mm_castpd_si128(rounded), 2)));
+// x / y for non-zero tops, on words (least significant first).
+//
+// The significands a, b; a is doubled when a < b, so that r = a - b < b:
+// r is formed as a - b, and when that borrows, as (a - b) + a.  The
+// fraction bits of r / b: three exact digits of 32 bits, then 17 bits q4
+// read off the estimate w = X 2^21 / B: by the bounds above scaled by
+// 2^-15, |R 2^17 / b - w| < 2^-30, so when floor(w - 2^-28) equals
+// floor(w + 2^-28) that is the digit and the remainder is not zero (the
+// true quotient is no integer).  The quotient 2^113 + q1 2^81 + q2 2^49 +
+// q3 2^17 + q4 is the significand with one bit below it, and the remainder
+// is the sticky bit.
+inline Status divide_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t* out) {
+    const std::uint32_t sign = (x[3] ^ y[3]) & kSignBit;
+    std::int32_t e = static_cast<std::int32_t>((x[3] >> 16) & 0x7FFF) - static_cast<std::int32_t>((y[3] >> 16) & 0x7FFF) + kBias;
+    const Words a{x[0], x[1], x[2], (x[3] & 0xFFFF) | 0x10000};
+    const Words b{y[0], y[1], y[2], (y[3] & 0xFFFF) | 0x10000};
+    Words r = a;
+    std::uint32_t below;  // all ones when a < b
+    __asm__(
+        "subl %[b0], %[r0]\n\t"
+        "sbbl %[b1], %[r1]\n\t"
+        "sbbl %[b2], %[r2]\n\t"
+        "sbbl %[b3], %[r3]\n\t"
+        "sbbl %[m], %[m]"
+        : [r0] "+r"(r.w0), [r1] "+r"(r.w1), [r2] "+r"(r.w2), [r3] "+r"(r.w3), [m] "=r"(below)
+        : [b0] "rm"(b.w0), [b1] "rm"(b.w1), [b2] "rm"(b.w2), [b3] "rm"(b.w3)
+        : "cc");
+    // Half of all operands go either way: no branch.
+    e += static_cast<std::int32_t>(below);
+    __asm__(
+        "addl %[a0], %[r0]\n\t"
+        "adcl %[a1], %[r1]\n\t"
+        "adcl %[a2], %[r2]\n\t"
+        "adcl %[a3], %[r3]"
+        : [r0] "+r"(r.w0), [r1] "+r"(r.w1), [r2] "+r"(r.w2), [r3] "+r"(r.w3)
+        : [a0] "rm"(a.w0 & below), [a1] "rm"(a.w1 & below), [a2] "rm"(a.w2 & below), [a3] "rm"(a.w3 & below)
+        : "cc");
+
+    // B = the divisor's leading 53 bits, b >> 60, planted in the mantissa
+    // of 2^52 with its own leading one cleared: the double B.
+    const __m128d big_b =
+        _mm_or_pd(bits_as_double((b.w1 >> 28) | (b.w2 << 4), ((b.w2 >> 28) | (b.w3 << 4)) ^ 0x100000u),
+                  _mm_set_sd(0x1p52));
+    const __m128d c = _mm_div_sd(_mm_set_sd(0x1p36), big_b);
+    // 2^52 c + 1/2 + 2^-13, and for the last digit c 2^-15 and 2^52 c 2^-15.
+    const __m128d offset = _mm_add_sd(_mm_mul_sd(c, _mm_set_sd(0x1p52)), _mm_set_sd(0.5 + 0x1p-13));
+    const __m128d c17 = _mm_mul_sd(c, _mm_set_sd(0x1p-15));
+    const __m128d offset17 = _mm_mul_sd(c, _mm_set_sd(0x1p37));
+
+    const std::uint32_t q1 = next_digit(r, b, digit_estimate(r.w2, r.w3, c, offset));
+    const std::uint32_t q2 = next_digit(r, b, digit_estimate(r.w2, r.w3, c, offset));
+    const std::uint32_t q3 = next_digit(r, b, digit_estimate(r.w2, r.w3, c, offset));
+    // Both floors at once, w - 2^-28 in lane 0 and w + 2^-28 in lane 1.
+    const __m128d w = _mm_sub_sd(_mm_mul_sd(planted(r.w2, r.w3), c17), offset17);
+    const __m128i rounded = _mm_castpd_si128(_mm_add_pd(
+        _mm_sub_pd(_mm_unpacklo_pd(w, w), _mm_set_pd(0.5 - 0x1p-28, 0.5 + 0x1p-28)), _mm_set1_pd(0x1.8p52)));
+    std::uint32_t q4 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(rounded));
+    const std::uint32_t q4_upper = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_shuffle_epi32(rounded, 2)));
     bool inexact = true;
-    if (q4 != q4_upper) [[unlikely]] q4 = last_digit_exact(r, bh, bl, q4_upper, &inexact);
-    *hi = detail::kImplicitOne | (std::uint64_t{q1} << 16) | (q2 >> 16);
-    *lo = (std::uint64_t{q2} << 48) | (std::uint64_t{q3} << 16) | (q4 >> 1);
-    *ext = (std::uint64_t{q4} << 63) | inexact;
+    if (q4 != q4_upper) [[unlikely]] q4 = last_digit_exact(r, b, q4_upper, &inexact);
+
+    // Significand words, below them the bit q4 & 1 and the sticky bit.
+    // Round to nearest, ties to even: up when that bit is set and either
+    // the remainder is non-zero or the last significand bit is odd.
+    std::uint32_t s0 = (q3 << 16) | (q4 >> 1), s1 = (q2 << 16) | (q3 >> 16), s2 = (q1 << 16) | (q2 >> 16),
+                  s3 = 0x10000 | (q1 >> 16);
+    const std::uint32_t up = q4 & (static_cast<std::uint32_t>(inexact) | (q4 >> 1)) & 1;
+    __asm__(
+        "addl %[up], %[s0]\n\t"
+        "adcl $0, %[s1]\n\t"
+        "adcl $0, %[s2]\n\t"
+        "adcl $0, %[s3]"
+        : [s0] "+r"(s0), [s1] "+r"(s1), [s2] "+r"(s2), [s3] "+r"(s3)
+        : [up] "rm"(up)
+        : "cc");
+    if (s3 == 0x20000) [[unlikely]] {  // all fraction bits were ones
+        s3 = 0x10000;
+        ++e;
+    }
+    if (e <= 0) return Status::underflow;
+    if (e >= 0x7FFF) return Status::overflow;
+    out[0] = s0;
+    out[1] = s1;
+    out[2] = s2;
+    out[3] = sign | (static_cast<std::uint32_t>(e) << 16) | (s3 & 0xFFFF);
+    return Status::ok;
+}
+
+// The same on halves, for the retries after a report.
+inline Status divide_nonzero(Halves x, Halves y, Halves* out) {
+    const Real16 qx = detail::to_real16(x), qy = detail::to_real16(y);
+    Real16 q;
+    const Status s = divide_words(qx.w, qy.w, q.w);
+    if (s == Status::ok) *out = detail::load(&q);
+    return s;
 }
 
 #endif
-
-// x / y for non-zero tops.
-inline Status divide_nonzero(Halves x, Halves y, Halves* out) {
-    const std::uint64_t sign = (x.hi ^ y.hi) & detail::kSign64;
-    std::int32_t e = detail::exponent_of(x) - detail::exponent_of(y) + kBias;
-    std::uint64_t ah = detail::significand_high(x), al = x.lo;
-    const std::uint64_t bh = detail::significand_high(y), bl = y.lo;
-    if (ah < bh || (ah == bh && al < bl)) {
-        ah = (ah << 1) | (al >> 63);
-        al <<= 1;
-        --e;
-    }
-    // The quotient's leading one: r = a - b < b; the fraction bits are
-    // those of r / b.
-    std::uint64_t hi, lo, ext;
-    fraction_of_quotient(ah - bh - (al < bl), al - bl, bh, bl, &hi, &lo, &ext);
-    return detail::round_and_pack(sign, e, hi, lo, ext, out);
-}
 
 // Zero tests first (divisor, then dividend), then the quotient.
 enum class Outcome { ok, underflow, overflow, zero_divisor };
@@ -368,10 +433,35 @@ inline Outcome attempt(Halves x, Halves y, Halves* out) {
 
 extern "C" mivor_real16* g_aqdq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
     using namespace mivor::quad;
+#if defined(__x86_64__)
     const Halves x = detail::load(a), y = detail::load(b);
     Halves r;
     const Outcome o = attempt(x, y, &r);
     if (o != Outcome::ok) [[unlikely]] r = recover(o, x, y);
     detail::store(result, r);
+#else
+    // The first attempt on words, read straight from the operands; all of
+    // them are read before the result, which may be either operand, is
+    // written.
+    std::uint32_t q[4];
+    Outcome o;
+    if ((b->w[3] & 0x7FFFFFFFu) == 0) {
+        o = Outcome::zero_divisor;
+    } else if ((a->w[3] & 0x7FFFFFFFu) == 0) {
+        o = Outcome::ok;
+        q[0] = q[1] = q[2] = q[3] = 0;
+    } else {
+        const Status s = divide_words(a->w, b->w, q);
+        o = s == Status::ok ? Outcome::ok : s == Status::underflow ? Outcome::underflow : Outcome::overflow;
+    }
+    if (o != Outcome::ok) [[unlikely]] {
+        detail::store(result, recover(o, detail::load(a), detail::load(b)));
+    } else {
+        result->w[0] = q[0];
+        result->w[1] = q[1];
+        result->w[2] = q[2];
+        result->w[3] = q[3];
+    }
+#endif
     return result;
 }
