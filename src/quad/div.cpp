@@ -203,43 +203,82 @@ inline std::uint32_t digit_estimate(std::uint32_t w2, std::uint32_t w3, __m128d 
     return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(v)));
 }
 
-// R <- R 2^32 - q b for the estimate q of the next digit; returns the true
-// digit.  R 2^32 - q b lies in [0, 2b), below 2^114, so the four low words
-// of the difference are all of it: the fifth words are not formed, and the
-// top word of q b needs only the low half of its product.  Written out as
-// one multiply-and-subtract pass over the words (the carry word absorbs
-// each borrow): the compiler's 64-bit register-pair code for the same sums
-// spills most of its partial results.
-inline std::uint32_t next_digit(Words& r, const Words& b, std::uint32_t q) {
-    std::uint32_t w0, r0 = r.w0, r1 = r.w1, r2 = r.w2, lo_word, carry;
+// One step of the long division: R <- R 2^32 - q b for the estimate q of
+// the digit; returns the true digit, and in *y the source of the next
+// estimate.
+//
+// R 2^32 - q b lies in [0, 2b), below 2^114, so its four low words are all
+// of it: the fifth words are not formed, and the top word of q b needs
+// only the low half of its product.  The word products come from the
+// compiler; the borrow chain is written out (its 64-bit register-pair code
+// for the same sums spills most of the partial results).
+//
+// The next estimate does not wait for that chain: with R = (r3 r2 r1 r0),
+// Y = (r2 : r1) - q (b3 : b2) - hi(q b1) leaves out only the low words'
+// contribution, which lies in (-2, 1) units of 2^64, so the new remainder's
+// top two words X' satisfy X' <= Y <= X' + 2 (and Y, below 2^50 + 2, needs
+// no more than its low 64 bits).  That overestimate costs at most
+// 2 * 2^96 / b <= 2^-15 on the next estimate, well inside the bias of
+// 2^-13 above.  When the rare correction runs, Y is taken exactly.
+struct Top {
+    std::uint32_t lo, hi;
+};
+
+inline std::uint32_t next_digit(Words& r, const Words& b, std::uint32_t q, Top* y) {
+    // One pass, written out: the compiler's 64-bit register-pair code for
+    // these sums spills most of the partial results, and the store-to-load
+    // round trips would lengthen the path to the next estimate.  Y comes
+    // first (its products are formed again in the exact pass, which costs
+    // less than keeping them in the few registers there are); the exact
+    // pass multiplies and subtracts word by word, the carry word absorbing
+    // each borrow, in place on R shifted up by one word.
+    Words n{0, r.w0, r.w1, r.w2};
+    std::uint32_t y_lo, y_hi, carry;
     __asm__(
+        "movl %[q], %%eax\n\t"
+        "mull %[b2]\n\t"
+        "movl %[n2], %[ylo]\n\t"
+        "movl %[n3], %[yhi]\n\t"
+        "subl %%eax, %[ylo]\n\t"
+        "sbbl %%edx, %[yhi]\n\t"
+        "movl %[q], %%eax\n\t"
+        "imull %[b3], %%eax\n\t"
+        "subl %%eax, %[yhi]\n\t"
+        "movl %[q], %%eax\n\t"
+        "mull %[b1]\n\t"
+        "subl %%edx, %[ylo]\n\t"
+        "sbbl $0, %[yhi]\n\t"
+        // exact pass
         "movl %[q], %%eax\n\t"
         "mull %[b0]\n\t"
         "negl %%eax\n\t"
-        "movl %%eax, %[w0]\n\t"
+        "movl %%eax, %[n0]\n\t"
         "adcl $0, %%edx\n\t"
         "movl %%edx, %[c]\n\t"
         "movl %[q], %%eax\n\t"
         "mull %[b1]\n\t"
         "addl %[c], %%eax\n\t"
         "adcl $0, %%edx\n\t"
-        "subl %%eax, %[r0]\n\t"
+        "subl %%eax, %[n1]\n\t"
         "adcl $0, %%edx\n\t"
         "movl %%edx, %[c]\n\t"
         "movl %[q], %%eax\n\t"
         "mull %[b2]\n\t"
         "addl %[c], %%eax\n\t"
         "adcl $0, %%edx\n\t"
-        "subl %%eax, %[r1]\n\t"
+        "subl %%eax, %[n2]\n\t"
         "adcl $0, %%edx\n\t"
         "movl %[q], %%eax\n\t"
         "imull %[b3], %%eax\n\t"
         "addl %%edx, %%eax\n\t"
-        "subl %%eax, %[r2]"
-        : [w0] "=&rm"(w0), [r0] "+r"(r0), [r1] "+r"(r1), [r2] "+r"(r2), [c] "=&c"(carry), "=&a"(lo_word)
-        : [q] "rm"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3)
-        : "edx", "cc");
-    r = Words{w0, r0, r1, r2};
+        "subl %%eax, %[n3]"
+        : [n0] "=m"(n.w0), [n1] "+m"(n.w1), [n2] "+m"(n.w2), [n3] "+m"(n.w3), [ylo] "=&r"(y_lo), [yhi] "=&r"(y_hi),
+          [c] "=&r"(carry)
+        : [q] "r"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3)
+        : "eax", "edx", "cc");
+    *y = Top{y_lo, y_hi};
+    r = n;
+    const std::uint32_t w0 = n.w0, r0 = n.w1, r1 = n.w2, r2 = n.w3;
     if (r2 >= b.w3) [[unlikely]] {  // about one digit in 2^13
         const std::uint64_t bh = (std::uint64_t{b.w3} << 32) | b.w2, bl = (std::uint64_t{b.w1} << 32) | b.w0;
         std::uint64_t hi = (std::uint64_t{r2} << 32) | r1, lo = (std::uint64_t{r0} << 32) | w0;
@@ -249,6 +288,7 @@ inline std::uint32_t next_digit(Words& r, const Words& b, std::uint32_t q) {
             lo -= bl;
             r = Words{static_cast<std::uint32_t>(lo), static_cast<std::uint32_t>(lo >> 32),
                       static_cast<std::uint32_t>(hi), static_cast<std::uint32_t>(hi >> 32)};
+            *y = Top{r.w2, r.w3};
         }
     }
     return q;
@@ -293,7 +333,7 @@ inline std::uint32_t next_digit(Words& r, const Words& b, std::uint32_t q) {
 // true quotient is no integer).  The quotient 2^113 + q1 2^81 + q2 2^49 +
 // q3 2^17 + q4 is the significand with one bit below it, and the remainder
 // is the sticky bit.
-inline Status divide_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t* out) {
+[[gnu::noinline]] Status divide_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t* out) {
     const std::uint32_t sign = (x[3] ^ y[3]) & kSignBit;
     std::int32_t e = static_cast<std::int32_t>((x[3] >> 16) & 0x7FFF) - static_cast<std::int32_t>((y[3] >> 16) & 0x7FFF) + kBias;
     const Words a{x[0], x[1], x[2], (x[3] & 0xFFFF) | 0x10000};
@@ -331,11 +371,12 @@ inline Status divide_words(const std::uint32_t* x, const std::uint32_t* y, std::
     const __m128d c17 = _mm_mul_sd(c, _mm_set_sd(0x1p-15));
     const __m128d offset17 = _mm_mul_sd(c, _mm_set_sd(0x1p37));
 
-    const std::uint32_t q1 = next_digit(r, b, digit_estimate(r.w2, r.w3, c, offset));
-    const std::uint32_t q2 = next_digit(r, b, digit_estimate(r.w2, r.w3, c, offset));
-    const std::uint32_t q3 = next_digit(r, b, digit_estimate(r.w2, r.w3, c, offset));
+    Top top{r.w2, r.w3};
+    const std::uint32_t q1 = next_digit(r, b, digit_estimate(top.lo, top.hi, c, offset), &top);
+    const std::uint32_t q2 = next_digit(r, b, digit_estimate(top.lo, top.hi, c, offset), &top);
+    const std::uint32_t q3 = next_digit(r, b, digit_estimate(top.lo, top.hi, c, offset), &top);
     // Both floors at once, w - 2^-28 in lane 0 and w + 2^-28 in lane 1.
-    const __m128d w = _mm_sub_sd(_mm_mul_sd(planted(r.w2, r.w3), c17), offset17);
+    const __m128d w = _mm_sub_sd(_mm_mul_sd(planted(top.lo, top.hi), c17), offset17);
     const __m128i rounded = _mm_castpd_si128(_mm_add_pd(
         _mm_sub_pd(_mm_unpacklo_pd(w, w), _mm_set_pd(0.5 - 0x1p-28, 0.5 + 0x1p-28)), _mm_set1_pd(0x1.8p52)));
     std::uint32_t q4 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(rounded));
@@ -440,28 +481,23 @@ extern "C" mivor_real16* g_aqdq(mivor_real16* result, const mivor_real16* a, con
     if (o != Outcome::ok) [[unlikely]] r = recover(o, x, y);
     detail::store(result, r);
 #else
-    // The first attempt on words, read straight from the operands; all of
-    // them are read before the result, which may be either operand, is
-    // written.
-    std::uint32_t q[4];
+    // The first attempt on words, read straight from the operands and
+    // written straight to the result (a word at a time: a wider load of
+    // the result would not be forwarded from narrower stores).  All of the
+    // operands are read before the result, which may be either of them, is
+    // written, and nothing is written unless the quotient is in range.
     Outcome o;
     if ((b->w[3] & 0x7FFFFFFFu) == 0) {
         o = Outcome::zero_divisor;
     } else if ((a->w[3] & 0x7FFFFFFFu) == 0) {
-        o = Outcome::ok;
-        q[0] = q[1] = q[2] = q[3] = 0;
+        result->w[0] = result->w[1] = result->w[2] = result->w[3] = 0;
+        return result;
     } else {
-        const Status s = divide_words(a->w, b->w, q);
-        o = s == Status::ok ? Outcome::ok : s == Status::underflow ? Outcome::underflow : Outcome::overflow;
+        const Status s = divide_words(a->w, b->w, result->w);
+        if (s == Status::ok) [[likely]] return result;
+        o = s == Status::underflow ? Outcome::underflow : Outcome::overflow;
     }
-    if (o != Outcome::ok) [[unlikely]] {
-        detail::store(result, recover(o, detail::load(a), detail::load(b)));
-    } else {
-        result->w[0] = q[0];
-        result->w[1] = q[1];
-        result->w[2] = q[2];
-        result->w[3] = q[3];
-    }
+    detail::store(result, recover(o, detail::load(a), detail::load(b)));
 #endif
     return result;
 }
