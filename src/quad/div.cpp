@@ -224,15 +224,19 @@ struct Top {
     std::uint32_t lo, hi;
 };
 
-inline std::uint32_t next_digit(Words& r, const Words& b, std::uint32_t q, Top* y) {
+//
+// The remainder lives in a window of words that slides down one word per
+// digit: R = w[0..3] (least significant first) becomes R' = w[-1..2], so
+// the words are updated in place and never copied (copies of neighbouring
+// 32-bit words get merged into 64-bit moves, whose loads then stall on
+// store forwarding).
+inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t q, Top* y) {
     // One pass, written out: the compiler's 64-bit register-pair code for
-    // these sums spills most of the partial results, and the store-to-load
-    // round trips would lengthen the path to the next estimate.  Y comes
-    // first (its products are formed again in the exact pass, which costs
-    // less than keeping them in the few registers there are); the exact
-    // pass multiplies and subtracts word by word, the carry word absorbing
-    // each borrow, in place on R shifted up by one word.
-    Words n{0, r.w0, r.w1, r.w2};
+    // these sums spills most of the partial results.  Y comes first (its
+    // products are formed again in the exact pass, which costs less than
+    // keeping them in the few registers there are); the exact pass
+    // multiplies and subtracts word by word, the carry word absorbing each
+    // borrow.
     std::uint32_t y_lo, y_hi, carry;
     __asm__(
         "movl %[q], %%eax\n\t"
@@ -272,23 +276,23 @@ inline std::uint32_t next_digit(Words& r, const Words& b, std::uint32_t q, Top* 
         "imull %[b3], %%eax\n\t"
         "addl %%edx, %%eax\n\t"
         "subl %%eax, %[n3]"
-        : [n0] "=m"(n.w0), [n1] "+m"(n.w1), [n2] "+m"(n.w2), [n3] "+m"(n.w3), [ylo] "=&r"(y_lo), [yhi] "=&r"(y_hi),
+        : [n0] "=m"(w[-1]), [n1] "+m"(w[0]), [n2] "+m"(w[1]), [n3] "+m"(w[2]), [ylo] "=&r"(y_lo), [yhi] "=&r"(y_hi),
           [c] "=&r"(carry)
         : [q] "r"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3)
         : "eax", "edx", "cc");
     *y = Top{y_lo, y_hi};
-    r = n;
-    const std::uint32_t w0 = n.w0, r0 = n.w1, r1 = n.w2, r2 = n.w3;
-    if (r2 >= b.w3) [[unlikely]] {  // about one digit in 2^13
+    if (w[2] >= b.w3) [[unlikely]] {  // about one digit in 2^13
         const std::uint64_t bh = (std::uint64_t{b.w3} << 32) | b.w2, bl = (std::uint64_t{b.w1} << 32) | b.w0;
-        std::uint64_t hi = (std::uint64_t{r2} << 32) | r1, lo = (std::uint64_t{r0} << 32) | w0;
+        std::uint64_t hi = (std::uint64_t{w[2]} << 32) | w[1], lo = (std::uint64_t{w[0]} << 32) | w[-1];
         if (hi > bh || (hi == bh && lo >= bl)) {
             ++q;
             hi -= bh + (lo < bl);
             lo -= bl;
-            r = Words{static_cast<std::uint32_t>(lo), static_cast<std::uint32_t>(lo >> 32),
-                      static_cast<std::uint32_t>(hi), static_cast<std::uint32_t>(hi >> 32)};
-            *y = Top{r.w2, r.w3};
+            w[-1] = static_cast<std::uint32_t>(lo);
+            w[0] = static_cast<std::uint32_t>(lo >> 32);
+            w[1] = static_cast<std::uint32_t>(hi);
+            w[2] = static_cast<std::uint32_t>(hi >> 32);
+            *y = Top{w[1], w[2]};
         }
     }
     return q;
@@ -371,18 +375,23 @@ inline std::uint32_t next_digit(Words& r, const Words& b, std::uint32_t q, Top* 
     const __m128d c17 = _mm_mul_sd(c, _mm_set_sd(0x1p-15));
     const __m128d offset17 = _mm_mul_sd(c, _mm_set_sd(0x1p37));
 
+    std::uint32_t w[7];  // the remainder window: R = w[3..6] at first
+    w[3] = r.w0;
+    w[4] = r.w1;
+    w[5] = r.w2;
+    w[6] = r.w3;
     Top top{r.w2, r.w3};
-    const std::uint32_t q1 = next_digit(r, b, digit_estimate(top.lo, top.hi, c, offset), &top);
-    const std::uint32_t q2 = next_digit(r, b, digit_estimate(top.lo, top.hi, c, offset), &top);
-    const std::uint32_t q3 = next_digit(r, b, digit_estimate(top.lo, top.hi, c, offset), &top);
-    // Both floors at once, w - 2^-28 in lane 0 and w + 2^-28 in lane 1.
-    const __m128d w = _mm_sub_sd(_mm_mul_sd(planted(top.lo, top.hi), c17), offset17);
+    const std::uint32_t q1 = next_digit(w + 3, b, digit_estimate(top.lo, top.hi, c, offset), &top);
+    const std::uint32_t q2 = next_digit(w + 2, b, digit_estimate(top.lo, top.hi, c, offset), &top);
+    const std::uint32_t q3 = next_digit(w + 1, b, digit_estimate(top.lo, top.hi, c, offset), &top);
+    // Both floors at once: of w - 2^-28 in lane 0 and of w + 2^-28 in lane 1.
+    const __m128d est = _mm_sub_sd(_mm_mul_sd(planted(top.lo, top.hi), c17), offset17);
     const __m128i rounded = _mm_castpd_si128(_mm_add_pd(
-        _mm_sub_pd(_mm_unpacklo_pd(w, w), _mm_set_pd(0.5 - 0x1p-28, 0.5 + 0x1p-28)), _mm_set1_pd(0x1.8p52)));
+        _mm_sub_pd(_mm_unpacklo_pd(est, est), _mm_set_pd(0.5 - 0x1p-28, 0.5 + 0x1p-28)), _mm_set1_pd(0x1.8p52)));
     std::uint32_t q4 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(rounded));
     const std::uint32_t q4_upper = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_shuffle_epi32(rounded, 2)));
     bool inexact = true;
-    if (q4 != q4_upper) [[unlikely]] q4 = last_digit_exact(r, b, q4_upper, &inexact);
+    if (q4 != q4_upper) [[unlikely]] q4 = last_digit_exact(Words{w[0], w[1], w[2], w[3]}, b, q4_upper, &inexact);
 
     // Significand words, below them the bit q4 & 1 and the sticky bit.
     // Round to nearest, ties to even: up when that bit is set and either
