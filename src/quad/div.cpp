@@ -172,11 +172,12 @@ inline Status divide_nonzero(Halves x, Halves y, Halves* out) {
 // by at most 2^-17 (it lies below 2^37), and the subtraction is exact
 // (Sterbenz).  The constant subtracted also takes off 1/2 + 2^-13 (one more
 // rounding of at most 2^-17), and adding 2^52 + 2^51 then rounds to an
-// integer: the digit is floor(v) for some v in (t - 2^-13 - 2^-15, t), so
-// it is never too large and at most one too small -- also when an exact
-// tie rounds down.  The remainder after it lies in [0, 2b), and one rare
-// subtraction sets it right.  The estimates only steer; the remainder is
-// exact and every flavour gives the same bits.
+// integer: the digit is floor(v) for some v in (t - 2^-12, t) -- with the
+// early top words Y of next_digit in place of X too -- so it is never too
+// large and at most one too small, also when an exact tie rounds down.
+// The remainder after it lies in [0, 2b), and one rare subtraction sets
+// it right.  The estimates only steer; the remainder is exact and every
+// flavour gives the same bits.
 
 struct Words {
     std::uint32_t w0, w1, w2, w3;  // least significant first
@@ -196,48 +197,48 @@ inline __m128d planted(std::uint32_t w2, std::uint32_t w3) {
 
 // The digit estimate described above; `offset` = 2^52 c + 1/2 + 2^-13.
 // Below 1/2 + 2^-13 the estimate is clamped to 0 (the digit is 0 then).
-inline std::uint32_t digit_estimate(std::uint32_t w2, std::uint32_t w3, __m128d c, __m128d offset) {
-    __m128d v = _mm_sub_sd(_mm_mul_sd(planted(w2, w3), c), offset);
+inline std::uint32_t digit_estimate(__m128d y, __m128d c, __m128d offset) {
+    __m128d v = _mm_sub_sd(_mm_mul_sd(y, c), offset);
     v = _mm_max_sd(v, _mm_set_sd(-0.5));
     v = _mm_add_sd(v, _mm_set_sd(0x1.8p52));
-    return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(v)));
+    std::uint32_t q;
+    // Straight into a register: a spill of the digit here would put a
+    // store-to-load round trip on the path of every digit.
+    __asm__("movd %1, %0" : "=r"(q) : "x"(v));
+    return q;
 }
 
 // One step of the long division: R <- R 2^32 - q b for the estimate q of
-// the digit; returns the true digit, and in *y the source of the next
-// estimate.
+// the digit; returns the true digit, and in *y the double 2^52 + Y from
+// which the next digit is estimated.
 //
 // R 2^32 - q b lies in [0, 2b), below 2^114, so its four low words are all
 // of it: the fifth words are not formed, and the top word of q b needs
-// only the low half of its product.  The word products come from the
-// compiler; the borrow chain is written out (its 64-bit register-pair code
-// for the same sums spills most of the partial results).
+// only the low half of its product.
 //
-// The next estimate does not wait for that chain: with R = (r3 r2 r1 r0),
-// Y = (r2 : r1) - q (b3 : b2) - hi(q b1) leaves out only the low words'
-// contribution, which lies in (-2, 1) units of 2^64, so the new remainder's
-// top two words X' satisfy X' <= Y <= X' + 2 (and Y, below 2^50 + 2, needs
-// no more than its low 64 bits).  That overestimate costs at most
-// 2 * 2^96 / b <= 2^-15 on the next estimate, well inside the bias of
-// 2^-13 above.  When the rare correction runs, Y is taken exactly.
-struct Top {
-    std::uint32_t lo, hi;
-};
-
+// The next estimate does not wait for the exact difference: with
+// R = (r3 r2 r1 r0), Y = (r2 : r1) - q (b3 : b2) - hi(q b1) leaves out only
+// the low words' contribution, which lies in (-2, 1) units of 2^64, so the
+// new remainder's top two words X' satisfy X' <= Y <= X' + 2 (and Y, below
+// 2^50 + 2, needs no more than its low 64 bits).  That overestimate costs
+// at most 2 * 2^36 / B <= 2^-15 on the next estimate, inside the bias of
+// 2^-13 (see above).  When the rare correction runs, Y is taken exactly.
 //
 // The remainder lives in a window of words that slides down one word per
 // digit: R = w[0..3] (least significant first) becomes R' = w[-1..2], so
 // the words are updated in place and never copied (copies of neighbouring
 // 32-bit words get merged into 64-bit moves, whose loads then stall on
 // store forwarding).
-inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t q, Top* y) {
+inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t q, __m128d* y) {
     // One pass, written out: the compiler's 64-bit register-pair code for
-    // these sums spills most of the partial results.  Y comes first (its
-    // products are formed again in the exact pass, which costs less than
-    // keeping them in the few registers there are); the exact pass
-    // multiplies and subtracts word by word, the carry word absorbing each
-    // borrow.
+    // these sums spills most of the partial results, and any spill of Y
+    // would put a store-to-load round trip on the path to the next digit,
+    // so Y goes to an SSE register here.  Y comes first (its products are
+    // formed again in the exact pass, which costs less than keeping them in
+    // the few registers there are); the exact pass multiplies and subtracts
+    // word by word, the carry word absorbing each borrow.
     std::uint32_t y_lo, y_hi, carry;
+    __m128d y_double, scratch;
     __asm__(
         "movl %[q], %%eax\n\t"
         "mull %[b2]\n\t"
@@ -252,6 +253,10 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
         "mull %[b1]\n\t"
         "subl %%edx, %[ylo]\n\t"
         "sbbl $0, %[yhi]\n\t"
+        "movd %[ylo], %[y]\n\t"
+        "movd %[yhi], %[t]\n\t"
+        "punpckldq %[t], %[y]\n\t"
+        "orpd %[two52], %[y]\n\t"
         // exact pass
         "movl %[q], %%eax\n\t"
         "mull %[b0]\n\t"
@@ -277,10 +282,10 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
         "addl %%edx, %%eax\n\t"
         "subl %%eax, %[n3]"
         : [n0] "=m"(w[-1]), [n1] "+m"(w[0]), [n2] "+m"(w[1]), [n3] "+m"(w[2]), [ylo] "=&r"(y_lo), [yhi] "=&r"(y_hi),
-          [c] "=&r"(carry)
-        : [q] "r"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3)
+          [c] "=&r"(carry), [y] "=&x"(y_double), [t] "=&x"(scratch)
+        : [q] "r"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3), [two52] "x"(_mm_set_sd(0x1p52))
         : "eax", "edx", "cc");
-    *y = Top{y_lo, y_hi};
+    *y = y_double;
     if (w[2] >= b.w3) [[unlikely]] {  // about one digit in 2^13
         const std::uint64_t bh = (std::uint64_t{b.w3} << 32) | b.w2, bl = (std::uint64_t{b.w1} << 32) | b.w0;
         std::uint64_t hi = (std::uint64_t{w[2]} << 32) | w[1], lo = (std::uint64_t{w[0]} << 32) | w[-1];
@@ -292,7 +297,7 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
             w[0] = static_cast<std::uint32_t>(lo >> 32);
             w[1] = static_cast<std::uint32_t>(hi);
             w[2] = static_cast<std::uint32_t>(hi >> 32);
-            *y = Top{w[1], w[2]};
+            *y = planted(w[1], w[2]);
         }
     }
     return q;
@@ -380,12 +385,12 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
     w[4] = r.w1;
     w[5] = r.w2;
     w[6] = r.w3;
-    Top top{r.w2, r.w3};
-    const std::uint32_t q1 = next_digit(w + 3, b, digit_estimate(top.lo, top.hi, c, offset), &top);
-    const std::uint32_t q2 = next_digit(w + 2, b, digit_estimate(top.lo, top.hi, c, offset), &top);
-    const std::uint32_t q3 = next_digit(w + 1, b, digit_estimate(top.lo, top.hi, c, offset), &top);
+    __m128d top = planted(r.w2, r.w3);
+    const std::uint32_t q1 = next_digit(w + 3, b, digit_estimate(top, c, offset), &top);
+    const std::uint32_t q2 = next_digit(w + 2, b, digit_estimate(top, c, offset), &top);
+    const std::uint32_t q3 = next_digit(w + 1, b, digit_estimate(top, c, offset), &top);
     // Both floors at once: of w - 2^-28 in lane 0 and of w + 2^-28 in lane 1.
-    const __m128d est = _mm_sub_sd(_mm_mul_sd(planted(top.lo, top.hi), c17), offset17);
+    const __m128d est = _mm_sub_sd(_mm_mul_sd(top, c17), offset17);
     const __m128i rounded = _mm_castpd_si128(_mm_add_pd(
         _mm_sub_pd(_mm_unpacklo_pd(est, est), _mm_set_pd(0.5 - 0x1p-28, 0.5 + 0x1p-28)), _mm_set1_pd(0x1.8p52)));
     std::uint32_t q4 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(rounded));
