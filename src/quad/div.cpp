@@ -12,9 +12,13 @@
 // estimates only steer and every flavour gives the same bits.  The final
 // remainder decides, by being zero or not, whether an exact half is a tie.
 //
-//  * 64-bit target: two digits of 64 bits from its 128 / 64-bit divide
-//    instruction (Knuth's algorithm D; the estimate from the divisor's upper
-//    word is at most 2 too large).
+//  * 64-bit target: two digits of 64 bits.  The first comes from its
+//    128 / 64-bit divide instruction (Knuth's algorithm D; the estimate
+//    from the divisor's upper word is at most 2 too large); the second is
+//    estimated from a reciprocal of that word, divided beside the first
+//    digit, and is taken as it is whenever its low bits show that the
+//    estimate's error cannot reach the bits kept -- the exact digit with
+//    its remainder only otherwise.
 //  * 32-bit targets, which divide at most 64 / 32 bits: three digits of 32
 //    bits and a last one of 17, over 32-bit words of the remainder, each
 //    estimated from the remainder's top two words times a double
@@ -128,9 +132,30 @@ inline void fraction_of_quotient(std::uint64_t rh, std::uint64_t rl, std::uint64
     // then bit 63 of its upper word.
     const std::uint64_t d1 = (bh << 15) | (bl >> 49), d0 = bl << 15;
     std::uint64_t r1 = (rh << 15) | (rl >> 49), r0 = rl << 15;
+    // The reciprocal of the divisor's upper word, v = floor((2^128 - 1) / d1)
+    // - 2^64: its divide runs beside the first digit's.
+    std::uint64_t unused;
+    const std::uint64_t v = div_128by64(~d1, ~std::uint64_t{0}, d1, &unused);
     const std::uint64_t q1 = next_digit(r1, r0, d1, d0);
-    const std::uint64_t q2 = next_digit(r1, r0, d1, d0);
     *hi = detail::kImplicitOne | (q1 >> 16);
+    // Of the second digit only the top 49 bits are kept (48 significand
+    // bits and the guard bit) and whether anything below is non-zero.  The
+    // estimate e = hi(v r1) + r1, plus the carry of adding (r1 : r0) to
+    // v r1, is within 2 of floor((r1 : r0) / d1) (Moller and Granlund's
+    // 2-by-1 division before its adjustments), which in turn is within 2 of
+    // the true digit (Knuth).  So when e's low 15 bits lie in [3, 2^15 - 4]
+    // the digit's upper bits are e's and its low bits are not all zero: no
+    // remainder is needed.  Otherwise, and when r1 = d1, the exact digit.
+    std::uint64_t t1;
+    const std::uint64_t t0 = detail::mul_64x64(r1, v, &t1);
+    const std::uint64_t e = t1 + r1 + (t0 + r0 < t0);
+    const std::uint64_t low = e & 0x7FFF;
+    if (r1 < d1 && low - 3 <= 0x7FFC - 3) [[likely]] {
+        *lo = (q1 << 48) | (e >> 16);
+        *ext = (e << 48) | 1;
+        return;
+    }
+    const std::uint64_t q2 = next_digit(r1, r0, d1, d0);
     *lo = (q1 << 48) | (q2 >> 16);
     *ext = (q2 << 48) | ((r1 | r0) != 0);
 }
