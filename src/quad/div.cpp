@@ -90,25 +90,31 @@ inline std::uint64_t next_digit(std::uint64_t& r1, std::uint64_t& r0, std::uint6
         rho = r0 + d1;  // r - (2^64 - 1) d1 with r1 = d1
         rho_carry = rho < d1;
     }
-    // r * 2^64 - q d = (rho : 0) - q d0, as a 129-bit two's complement.
+    // r * 2^64 - q d = (rho : 0) - q d0, as a 129-bit two's complement:
+    // the 128-bit difference and its borrow, which means negative unless
+    // rho carried.  The first correction is needed for about a third of all
+    // digits: done without a branch, on the flags (the compiler's carry
+    // tests through setb and masks cost the digit a few cycles more).  A
+    // second one is rare.
     std::uint64_t p1;
     const std::uint64_t p0 = detail::mul_64x64(q, d0, &p1);
-    std::uint64_t n0 = 0 - p0;
-    const std::uint64_t borrow = p0 != 0;
-    std::uint64_t n1 = rho - p1 - borrow;
-    bool negative = rho_carry == 0 && (rho < p1 || rho - p1 < borrow);
-    // The first correction is needed for about a third of all digits: done
-    // without a branch.  A second one is rare.
-    {
-        const std::uint64_t m = 0 - std::uint64_t{negative};
-        q += m;
-        n0 += d0 & m;
-        const std::uint64_t c = n0 < (d0 & m);
-        const std::uint64_t t = n1 + (d1 & m);
-        const bool carry = (t < n1) || (t + c < t);
-        n1 = t + c;
-        negative = negative && !carry;
-    }
+    std::uint64_t n0 = p0, n1 = rho, m, still;
+    __asm__("negq %[n0]\n\t"
+            "sbbq %[p1], %[n1]\n\t"
+            "sbbq %[m], %[m]"
+            : [n0] "+r"(n0), [n1] "+r"(n1), [m] "=r"(m)
+            : [p1] "r"(p1)
+            : "cc");
+    m &= rho_carry - 1;
+    q += m;
+    __asm__("addq %[a0], %[n0]\n\t"
+            "adcq %[a1], %[n1]\n\t"
+            "sbbq %[s], %[s]"
+            : [n0] "+r"(n0), [n1] "+r"(n1), [s] "=r"(still)
+            : [a0] "r"(d0 & m), [a1] "r"(d1 & m)
+            : "cc");
+    // Still negative: the correction ran and did not carry out.
+    bool negative = (m & ~still) != 0;
     while (negative) [[unlikely]] {
         --q;
         n0 += d0;
@@ -132,11 +138,12 @@ inline void fraction_of_quotient(std::uint64_t rh, std::uint64_t rl, std::uint64
     // then bit 63 of its upper word.
     const std::uint64_t d1 = (bh << 15) | (bl >> 49), d0 = bl << 15;
     std::uint64_t r1 = (rh << 15) | (rl >> 49), r0 = rl << 15;
+    const std::uint64_t q1 = next_digit(r1, r0, d1, d0);
     // The reciprocal of the divisor's upper word, v = floor((2^128 - 1) / d1)
-    // - 2^64: its divide runs beside the first digit's.
+    // - 2^64: its divide runs beside the first digit's work (issued after
+    // the first digit's divide, which is on the longer path).
     std::uint64_t unused;
     const std::uint64_t v = div_128by64(~d1, ~std::uint64_t{0}, d1, &unused);
-    const std::uint64_t q1 = next_digit(r1, r0, d1, d0);
     *hi = detail::kImplicitOne | (q1 >> 16);
     // Of the second digit only the top 49 bits are kept (48 significand
     // bits and the guard bit) and whether anything below is non-zero.  The
