@@ -368,10 +368,12 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
 // The significands a, b; a is doubled when a < b, so that r = a - b < b:
 // r is formed as a - b, and when that borrows, as (a - b) + a.  The
 // fraction bits of r / b: three exact digits of 32 bits, then 17 bits q4
-// read off the estimate w = X 2^21 / B: by the bounds above scaled by
-// 2^-15, |R 2^17 / b - w| < 2^-30, so when floor(w - 2^-28) equals
-// floor(w + 2^-28) that is the digit and the remainder is not zero (the
-// true quotient is no integer).  The quotient 2^113 + q1 2^81 + q2 2^49 +
+// read off the estimate w = Y 2^21 / B: by the bounds above scaled by
+// 2^-15 (Y's overestimate costs at most 2^-30, dropping the low words at
+// most 2^-31, the roundings about 2^-32), |R 2^17 / b - w| < 2^-29, so when
+// floor(w - 2^-28) equals floor(w + 2^-28) that is the digit and the
+// remainder is not zero (the true quotient is no integer).  A tie in either
+// floor can only make them differ.  The quotient 2^113 + q1 2^81 + q2 2^49 +
 // q3 2^17 + q4 is the significand with one bit below it, and the remainder
 // is the sticky bit.
 [[gnu::noinline]] Status divide_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t* out) {
