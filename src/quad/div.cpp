@@ -268,8 +268,9 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
     // so Y goes to an SSE register here.  Y comes first (its products are
     // formed again in the exact pass, which costs less than keeping them in
     // the few registers there are); the exact pass multiplies and subtracts
-    // word by word, the carry word absorbing each borrow.
-    std::uint32_t y_lo, y_hi, carry;
+    // word by word, the carry word (in Y's register, free by then) absorbing
+    // each borrow.
+    std::uint32_t y_lo, y_hi;
     __m128d y_double, scratch;
     __asm__(
         "movl %[q], %%eax\n\t"
@@ -295,17 +296,17 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
         "negl %%eax\n\t"
         "movl %%eax, %[n0]\n\t"
         "adcl $0, %%edx\n\t"
-        "movl %%edx, %[c]\n\t"
+        "movl %%edx, %[ylo]\n\t"
         "movl %[q], %%eax\n\t"
         "mull %[b1]\n\t"
-        "addl %[c], %%eax\n\t"
+        "addl %[ylo], %%eax\n\t"
         "adcl $0, %%edx\n\t"
         "subl %%eax, %[n1]\n\t"
         "adcl $0, %%edx\n\t"
-        "movl %%edx, %[c]\n\t"
+        "movl %%edx, %[ylo]\n\t"
         "movl %[q], %%eax\n\t"
         "mull %[b2]\n\t"
-        "addl %[c], %%eax\n\t"
+        "addl %[ylo], %%eax\n\t"
         "adcl $0, %%edx\n\t"
         "subl %%eax, %[n2]\n\t"
         "adcl $0, %%edx\n\t"
@@ -314,8 +315,8 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
         "addl %%edx, %%eax\n\t"
         "subl %%eax, %[n3]"
         : [n0] "=m"(w[-1]), [n1] "+m"(w[0]), [n2] "+m"(w[1]), [n3] "+m"(w[2]), [ylo] "=&r"(y_lo), [yhi] "=&r"(y_hi),
-          [c] "=&r"(carry), [y] "=&x"(y_double), [t] "=&x"(scratch)
-        : [q] "r"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3), [two52] "x"(_mm_set_sd(0x1p52))
+          [y] "=&x"(y_double), [t] "=&x"(scratch)
+        : [q] "rm"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3), [two52] "x"(_mm_set_sd(0x1p52))
         : "eax", "edx", "cc");
     *y = y_double;
     if (w[2] >= b.w3) [[unlikely]] {  // about one digit in 2^13
@@ -376,7 +377,7 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
 // floor can only make them differ.  The quotient 2^113 + q1 2^81 + q2 2^49 +
 // q3 2^17 + q4 is the significand with one bit below it, and the remainder
 // is the sticky bit.
-[[gnu::noinline]] Status divide_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t* out) {
+[[gnu::always_inline]] inline Status divide_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t* out) {
     const std::uint32_t sign = (x[3] ^ y[3]) & kSignBit;
     std::int32_t e = static_cast<std::int32_t>((x[3] >> 16) & 0x7FFF) - static_cast<std::int32_t>((y[3] >> 16) & 0x7FFF) + kBias;
     const Words a{x[0], x[1], x[2], (x[3] & 0xFFFF) | 0x10000};
