@@ -163,7 +163,7 @@ inline Product product(const std::uint32_t (&a)[4], const std::uint32_t (&b)[4])
         "mull %[b3]\n\t"
         "addl %%eax, %[r0]\n\t"
         "adcl %%edx, %[r1]"
-        : [s] "=&r"(p.sticky), [r0] "=&r"(p.p6), [r1] "=&r"(p.p7), [r2] "=&r"(r2), [p3] "=m"(p.p3), [p4] "=m"(p.p4),
+        : [s] "=&rm"(p.sticky), [r0] "=&r"(p.p6), [r1] "=&r"(p.p7), [r2] "=&r"(r2), [p3] "=m"(p.p3), [p4] "=m"(p.p4),
           [p5] "=m"(p.p5)
         : [a0] "m"(a[0]), [a1] "m"(a[1]), [a2] "m"(a[2]), [a3] "m"(a[3]), [b0] "m"(b[0]), [b1] "m"(b[1]),
           [b2] "m"(b[2]), [b3] "m"(b[3])
@@ -171,9 +171,10 @@ inline Product product(const std::uint32_t (&a)[4], const std::uint32_t (&b)[4])
     return p;
 }
 
-// x * y for non-zero tops, on words (least significant first); nothing is
+// x * y for non-zero tops, on words (least significant first), inlined into
+// the entry point (a call would realign the stack a second time); nothing is
 // written unless the product is in range.
-[[gnu::noinline]] Status multiply_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t* out) {
+[[gnu::always_inline]] inline Status multiply_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t* out) {
     const std::uint32_t sign = (x[3] ^ y[3]) & kSignBit;
     std::int32_t e = static_cast<std::int32_t>((x[3] >> 16) & 0x7FFF) + static_cast<std::int32_t>((y[3] >> 16) & 0x7FFF) - kBias;
     const std::uint32_t a[4] = {x[0], x[1], x[2], (x[3] & 0xFFFF) | 0x10000};
