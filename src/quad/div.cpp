@@ -364,7 +364,8 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
     return q;
 }
 
-// x / y for non-zero tops, on words (least significant first).
+// x / y for non-zero tops, on words (least significant first), inlined into
+// the entry point (a call would realign the stack a second time).
 //
 // The significands a, b; a is doubled when a < b, so that r = a - b < b:
 // r is formed as a - b, and when that borrows, as (a - b) + a.  The
