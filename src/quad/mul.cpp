@@ -76,12 +76,14 @@ inline Product product(const std::uint32_t (&a)[4], const std::uint32_t (&b)[4])
     Product p;
     std::uint32_t r2;
     __asm__(
+        // column 0: the low word to the sticky word, the high one carried
         "movl %[a0], %%eax\n\t"
         "mull %[b0]\n\t"
         "movl %%eax, %[s]\n\t"
         "movl %%edx, %[r1]\n\t"
         "xorl %[r2], %[r2]\n\t"
         "xorl %[r0], %[r0]\n\t"
+        // column 1: accumulator (r0 : r2 : r1)
         "movl %[a0], %%eax\n\t"
         "mull %[b1]\n\t"
         "addl %%eax, %[r1]\n\t"
@@ -94,6 +96,7 @@ inline Product product(const std::uint32_t (&a)[4], const std::uint32_t (&b)[4])
         "adcl $0, %[r0]\n\t"
         "orl %[r1], %[s]\n\t"
         "xorl %[r1], %[r1]\n\t"
+        // column 2: accumulator (r1 : r0 : r2)
         "movl %[a0], %%eax\n\t"
         "mull %[b2]\n\t"
         "addl %%eax, %[r2]\n\t"
@@ -111,6 +114,7 @@ inline Product product(const std::uint32_t (&a)[4], const std::uint32_t (&b)[4])
         "adcl $0, %[r1]\n\t"
         "orl %[r2], %[s]\n\t"
         "xorl %[r2], %[r2]\n\t"
+        // column 3: accumulator (r2 : r1 : r0)
         "movl %[a0], %%eax\n\t"
         "mull %[b3]\n\t"
         "addl %%eax, %[r0]\n\t"
@@ -133,6 +137,7 @@ inline Product product(const std::uint32_t (&a)[4], const std::uint32_t (&b)[4])
         "adcl $0, %[r2]\n\t"
         "movl %[r0], %[p3]\n\t"
         "xorl %[r0], %[r0]\n\t"
+        // column 4: accumulator (r0 : r2 : r1)
         "movl %[a1], %%eax\n\t"
         "mull %[b3]\n\t"
         "addl %%eax, %[r1]\n\t"
@@ -150,6 +155,7 @@ inline Product product(const std::uint32_t (&a)[4], const std::uint32_t (&b)[4])
         "adcl $0, %[r0]\n\t"
         "movl %[r1], %[p4]\n\t"
         "xorl %[r1], %[r1]\n\t"
+        // column 5: accumulator (r0 : r2), no third word
         "movl %[a2], %%eax\n\t"
         "mull %[b3]\n\t"
         "addl %%eax, %[r2]\n\t"
@@ -159,6 +165,7 @@ inline Product product(const std::uint32_t (&a)[4], const std::uint32_t (&b)[4])
         "addl %%eax, %[r2]\n\t"
         "adcl %%edx, %[r0]\n\t"
         "movl %[r2], %[p5]\n\t"
+        // column 6: accumulator (r1 : r0), leaving p7 : p6
         "movl %[a3], %%eax\n\t"
         "mull %[b3]\n\t"
         "addl %%eax, %[r0]\n\t"
