@@ -138,12 +138,8 @@ TEST(QuadArithOracle, ResultsNextToRepresentableNumbers) {
         return r;
     };
     for (long i = 0; i < n; ++i) {
-        const Fraction fq = fraction(s), fy = fraction(s);
-        // q in [1, 2) or a short one (exact quotients), y within 2^+-20.
-        const bool short_q = s.below(4) == 0;
-        const mivor_real16 q = compose(s.coin(), 16383, short_q ? fq.high & ~((std::uint64_t{1} << 40) - 1) : fq.high,
-                                       short_q ? 0 : fq.low);
-        const mivor_real16 y = compose(s.coin(), 16363 + s.below(41), fy.high, fy.low);
+        const NearRepresentable d = near_representable(s);
+        const mivor_real16 q = d.q, y = d.y;
         const __float128 fy128 = to_f128(y);
         const mivor_real16 x = from_f128(to_f128(q) * fy128);
         check("x / y, x = q y", divide, to_f128(x) / fy128, x, y);
