@@ -12,18 +12,23 @@
 // estimates only steer and every flavour gives the same bits.  The final
 // remainder decides, by being zero or not, whether an exact half is a tie.
 //
-//  * 64-bit target: two digits of 64 bits from its 128 / 64-bit divide
-//    instruction (Knuth's algorithm D; the estimate from the divisor's upper
-//    word is at most 2 too large).
-//  * 32-bit targets, which divide at most 64 / 32 bits: three digits of 38,
-//    38 and 37 bits, each estimated from the leading 52 bits of the partial
-//    remainder times a double reciprocal of the divisor's leading 52 bits --
-//    the only floating-point division.  The estimate is within 2^-11 of the
-//    true digit (the two 52-bit truncations cost at most 2^(k-50) = 2^-12,
-//    the three double roundings less than 2^-13), so a correction is rare
-//    and never runs twice.  These doubles hold integers below 2^53 and are
-//    built from and read back into integers through their bit patterns
-//    (adding and subtracting 2^52): no conversion instruction is involved.
+//  * 64-bit target: two digits of 64 bits.  The first comes from its
+//    128 / 64-bit divide instruction (Knuth's algorithm D; the estimate
+//    from the divisor's upper word is at most 2 too large); the second is
+//    estimated from a reciprocal of that word, divided beside the first
+//    digit, and is taken as it is whenever its low bits show that the
+//    estimate's error cannot reach the bits kept -- the exact digit with
+//    its remainder only otherwise.
+//  * 32-bit targets, which divide at most 64 / 32 bits: three digits of 32
+//    bits and a last one of 17, over 32-bit words of the remainder, each
+//    estimated from the remainder's top two words times a double
+//    reciprocal of the divisor's leading 53 bits -- the only floating-point
+//    division.  The estimate is biased low so that only a rare subtraction
+//    is needed; the last digit is taken from its estimate when that is far
+//    enough from an integer, which also proves the remainder non-zero.
+//    These doubles hold integers below 2^53 and are built from and read
+//    back into integers through their bit patterns: no conversion
+//    instruction is involved.
 //
 // Kept on purpose, since compiled programs see every one of these bits:
 //  * only the top word decides whether an operand is zero; y zero is error
@@ -39,10 +44,8 @@
 //   280, x non-zero: the infinity with the sign of x alone -- the sign of
 //        the zero divisor is ignored -- or +HUGE;
 //   280, x zero: the quiet NaN 0x7FFF8000 0 0 0 (IEEE results) or +0.
-#include <bit>
-
-#if defined(__SSE2__) && !defined(__x86_64__)
-#include <emmintrin.h>
+#if !defined(__x86_64__)
+#include <emmintrin.h>  // SSE2 is the baseline of every 32-bit flavour
 #endif
 
 #include "frame/report.h"
@@ -87,25 +90,31 @@ inline std::uint64_t next_digit(std::uint64_t& r1, std::uint64_t& r0, std::uint6
         rho = r0 + d1;  // r - (2^64 - 1) d1 with r1 = d1
         rho_carry = rho < d1;
     }
-    // r * 2^64 - q d = (rho : 0) - q d0, as a 129-bit two's complement.
+    // r * 2^64 - q d = (rho : 0) - q d0, as a 129-bit two's complement:
+    // the 128-bit difference and its borrow, which means negative unless
+    // rho carried.  The first correction is needed for about a third of all
+    // digits: done without a branch, on the flags (the compiler's carry
+    // tests through setb and masks cost the digit a few cycles more).  A
+    // second one is rare.
     std::uint64_t p1;
     const std::uint64_t p0 = detail::mul_64x64(q, d0, &p1);
-    std::uint64_t n0 = 0 - p0;
-    const std::uint64_t borrow = p0 != 0;
-    std::uint64_t n1 = rho - p1 - borrow;
-    bool negative = rho_carry == 0 && (rho < p1 || rho - p1 < borrow);
-    // The first correction is needed for about a third of all digits: done
-    // without a branch.  A second one is rare.
-    {
-        const std::uint64_t m = 0 - std::uint64_t{negative};
-        q += m;
-        n0 += d0 & m;
-        const std::uint64_t c = n0 < (d0 & m);
-        const std::uint64_t t = n1 + (d1 & m);
-        const bool carry = (t < n1) || (t + c < t);
-        n1 = t + c;
-        negative = negative && !carry;
-    }
+    std::uint64_t n0 = p0, n1 = rho, m, still;
+    __asm__("negq %[n0]\n\t"
+            "sbbq %[p1], %[n1]\n\t"
+            "sbbq %[m], %[m]"
+            : [n0] "+r"(n0), [n1] "+r"(n1), [m] "=r"(m)
+            : [p1] "r"(p1)
+            : "cc");
+    m &= rho_carry - 1;
+    q += m;
+    __asm__("addq %[a0], %[n0]\n\t"
+            "adcq %[a1], %[n1]\n\t"
+            "sbbq %[s], %[s]"
+            : [n0] "+r"(n0), [n1] "+r"(n1), [s] "=r"(still)
+            : [a0] "r"(d0 & m), [a1] "r"(d1 & m)
+            : "cc");
+    // Still negative: the correction ran and did not carry out.
+    bool negative = (m & ~still) != 0;
     while (negative) [[unlikely]] {
         --q;
         n0 += d0;
@@ -130,103 +139,33 @@ inline void fraction_of_quotient(std::uint64_t rh, std::uint64_t rl, std::uint64
     const std::uint64_t d1 = (bh << 15) | (bl >> 49), d0 = bl << 15;
     std::uint64_t r1 = (rh << 15) | (rl >> 49), r0 = rl << 15;
     const std::uint64_t q1 = next_digit(r1, r0, d1, d0);
-    const std::uint64_t q2 = next_digit(r1, r0, d1, d0);
+    // The reciprocal of the divisor's upper word, v = floor((2^128 - 1) / d1)
+    // - 2^64: its divide runs beside the first digit's work (issued after
+    // the first digit's divide, which is on the longer path).
+    std::uint64_t unused;
+    const std::uint64_t v = div_128by64(~d1, ~std::uint64_t{0}, d1, &unused);
     *hi = detail::kImplicitOne | (q1 >> 16);
+    // Of the second digit only the top 49 bits are kept (48 significand
+    // bits and the guard bit) and whether anything below is non-zero.  The
+    // estimate e = hi(v r1) + r1, plus the carry of adding (r1 : r0) to
+    // v r1, is within 2 of floor((r1 : r0) / d1) (Moller and Granlund's
+    // 2-by-1 division before its adjustments), which in turn is within 2 of
+    // the true digit (Knuth).  So when e's low 15 bits lie in [3, 2^15 - 4]
+    // the digit's upper bits are e's and its low bits are not all zero: no
+    // remainder is needed.  Otherwise, and when r1 = d1, the exact digit.
+    std::uint64_t t1;
+    const std::uint64_t t0 = detail::mul_64x64(r1, v, &t1);
+    const std::uint64_t e = t1 + r1 + (t0 + r0 < t0);
+    const std::uint64_t low = e & 0x7FFF;
+    if (r1 < d1 && low - 3 <= 0x7FFC - 3) [[likely]] {
+        *lo = (q1 << 48) | (e >> 16);
+        *ext = (e << 48) | 1;
+        return;
+    }
+    const std::uint64_t q2 = next_digit(r1, r0, d1, d0);
     *lo = (q1 << 48) | (q2 >> 16);
     *ext = (q2 << 48) | ((r1 | r0) != 0);
 }
-
-#else
-
-// 2^52 as a bit pattern and as a double: an integer n < 2^52 planted in the
-// mantissa of 2^52 gives the double 2^52 + n exactly.
-constexpr std::uint64_t kTwo52Bits = 0x4330000000000000u;
-constexpr double kTwo52 = 0x1p52;
-
-// On the 32-bit targets a 64-bit pattern held in two integer registers
-// would reach an SSE register through two 32-bit stores and one 64-bit
-// load, which the store buffer cannot forward (a stall of a dozen cycles or
-// more, on every digit); there the halves are joined in SSE registers.
-inline double double_of(std::uint64_t n) {
-    const std::uint64_t bits = kTwo52Bits | n;
-#if defined(__SSE2__)
-    const __m128i v = _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(static_cast<std::uint32_t>(bits))),
-                                         _mm_cvtsi32_si128(static_cast<int>(static_cast<std::uint32_t>(bits >> 32))));
-    return _mm_cvtsd_f64(_mm_castsi128_pd(v)) - kTwo52;
-#else
-    return std::bit_cast<double>(bits) - kTwo52;
-#endif
-}
-
-// floor(v) for 0 <= v < 2^51, up to ties (v - 1/2 is rounded to nearest).
-// An estimate rounded to nearest would be one too large for half of all
-// digits, each time a mispredicted correction; with the floor the
-// correction runs only when the estimate's error straddles an integer.
-inline std::uint64_t floor_of(double v) {
-    constexpr double kMagic = 0x1.8p52;  // 2^52 + 2^51: v - 1/2 + kMagic is in [2^52, 2^53)
-    const double shifted = (v - 0.5) + kMagic;
-#if defined(__SSE2__)
-    const __m128i b = _mm_castpd_si128(_mm_set_sd(shifted));
-    const std::uint32_t lo = static_cast<std::uint32_t>(_mm_cvtsi128_si32(b));
-    const std::uint32_t hi = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_srli_epi64(b, 32)));
-    return ((std::uint64_t{hi} << 32) | lo) - std::bit_cast<std::uint64_t>(kMagic);
-#else
-    return std::bit_cast<std::uint64_t>(shifted) - std::bit_cast<std::uint64_t>(kMagic);
-#endif
-}
-
-struct Remainder {
-    std::uint64_t hi, lo;
-};
-
-// One digit of k bits: q = floor(r * 2^k / b), with r replaced by
-// r * 2^k - q * b.  Requires 0 <= r < b < 2^113, 1 <= k <= 63, and
-// `scaled_recip` = 2^k / (b >> 61) rounded.  The remainder update is done
-// modulo 2^128: its true value lies in (-2b, 2b) whatever the estimate, so
-// the low 128 bits determine it.
-inline std::uint64_t next_digit(Remainder& r, std::uint64_t bh, std::uint64_t bl, int k,
-                                double scaled_recip) {
-    const std::uint64_t top = (r.hi << 3) | (r.lo >> 61);  // < 2^52
-    std::uint64_t q = floor_of(double_of(top) * scaled_recip);
-    std::uint64_t ph;
-    const std::uint64_t pl = detail::mul_64x64(q, bl, &ph);
-    ph += detail::mul_low(q, bh);
-    const std::uint64_t nh = (r.hi << k) | (r.lo >> (64 - k));
-    const std::uint64_t nl = r.lo << k;
-    std::uint64_t lo = nl - pl;
-    std::uint64_t hi = nh - ph - (nl < pl);
-    while ((hi >> 63) != 0) {  // estimate too large
-        --q;
-        lo += bl;
-        hi += bh + (lo < bl);
-    }
-    while (hi > bh || (hi == bh && lo >= bl)) {  // too small
-        ++q;
-        hi -= bh + (lo < bl);
-        lo -= bl;
-    }
-    r = Remainder{hi, lo};
-    return q;
-}
-
-// The fraction bits of r / b for 0 <= r < b; contract as on the 64-bit
-// target.  Three digits of 38, 38 and 37 bits: quotient = 2^113 + q1 2^75 + q2 2^37 + q3,
-// whose top 113 bits are the significand and bit 0 the first bit below.
-inline void fraction_of_quotient(std::uint64_t rh, std::uint64_t rl, std::uint64_t bh, std::uint64_t bl,
-                                 std::uint64_t* hi, std::uint64_t* lo, std::uint64_t* ext) {
-    Remainder r{rh, rl};
-    const double recip = 1.0 / double_of((bh << 3) | (bl >> 61));
-    const std::uint64_t q1 = next_digit(r, bh, bl, 38, recip * 0x1p38);
-    const std::uint64_t q2 = next_digit(r, bh, bl, 38, recip * 0x1p38);
-    const std::uint64_t q3 = next_digit(r, bh, bl, 37, recip * 0x1p37);
-    const std::uint64_t qh = (std::uint64_t{1} << 49) | (q1 << 11) | (q2 >> 27);
-    const std::uint64_t ql = (q2 << 37) | q3;
-    *hi = qh >> 1;
-    *lo = (ql >> 1) | (qh << 63);
-    *ext = (ql << 63) | ((r.hi | r.lo) != 0);
-}
-
-#endif
 
 // x / y for non-zero tops.
 inline Status divide_nonzero(Halves x, Halves y, Halves* out) {
@@ -245,6 +184,293 @@ inline Status divide_nonzero(Halves x, Halves y, Halves* out) {
     fraction_of_quotient(ah - bh - (al < bl), al - bl, bh, bl, &hi, &lo, &ext);
     return detail::round_and_pack(sign, e, hi, lo, ext, out);
 }
+
+#else
+
+// The 32-bit targets work on 32-bit words throughout: operands are read,
+// and the quotient rounded and written, a word at a time, and the digits
+// are 32 bits wide, so that moving the remainder on by one digit is a
+// renaming of words rather than a shift over register pairs.
+//
+// Digit estimates come from the SSE2 unit: the remainder's top two words X
+// (below 2^49: the remainder is below the divisor, below 2^113) times a
+// double reciprocal c = fl(2^36 / B) of the divisor's leading 53 bits B.
+// With t = R 2^32 / b the true digit and u = X 2^36 / B,
+//   t lies in [u - 2^-20, u + 2^-16]  (dropping the remainder's two low
+//   words, and b >= B 2^60 with b < (B + 1) 2^60), and X c is within
+//   2^-21 of u.
+// X c is formed as (2^52 + X) c - 2^52 c, the first term straight from the
+// bit pattern with X planted in the mantissa of 2^52: that product rounds
+// by at most 2^-17 (it lies below 2^37), and the subtraction is exact
+// (Sterbenz).  The constant subtracted also takes off 1/2 + 2^-13 (one more
+// rounding of at most 2^-17), and adding 2^52 + 2^51 then rounds to an
+// integer: the digit is floor(v) for some v in (t - 2^-12, t) -- with the
+// early top words Y of next_digit in place of X too -- so it is never too
+// large and at most one too small, also when an exact tie rounds down.
+// The remainder after it lies in [0, 2b), and one rare subtraction sets
+// it right.  The estimates only steer; the remainder is exact and every
+// flavour gives the same bits.
+
+struct Words {
+    std::uint32_t w0, w1, w2, w3;  // least significant first
+};
+
+inline __m128d bits_as_double(std::uint32_t lo, std::uint32_t hi) {
+    return _mm_castsi128_pd(
+        _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(lo)), _mm_cvtsi32_si128(static_cast<int>(hi))));
+}
+
+// 2^52 + (w3 : w2) for (w3 : w2) < 2^52.  The words are joined in an SSE
+// register: through memory, two 32-bit stores and a 64-bit load would stall
+// on store forwarding.
+inline __m128d planted(std::uint32_t w2, std::uint32_t w3) {
+    return _mm_or_pd(bits_as_double(w2, w3), _mm_set_sd(0x1p52));
+}
+
+// The digit estimate described above; `offset` = 2^52 c + 1/2 + 2^-13.
+// Below 1/2 + 2^-13 the estimate is clamped to 0 (the digit is 0 then).
+inline std::uint32_t digit_estimate(__m128d y, __m128d c, __m128d offset) {
+    __m128d v = _mm_sub_sd(_mm_mul_sd(y, c), offset);
+    v = _mm_max_sd(v, _mm_set_sd(-0.5));
+    v = _mm_add_sd(v, _mm_set_sd(0x1.8p52));
+    std::uint32_t q;
+    // Straight into a register: a spill of the digit here would put a
+    // store-to-load round trip on the path of every digit.
+    __asm__("movd %1, %0" : "=r"(q) : "x"(v));
+    return q;
+}
+
+// One step of the long division: R <- R 2^32 - q b for the estimate q of
+// the digit; returns the true digit, and in *y the double 2^52 + Y from
+// which the next digit is estimated.
+//
+// R 2^32 - q b lies in [0, 2b), below 2^114, so its four low words are all
+// of it: the fifth words are not formed, and the top word of q b needs
+// only the low half of its product.
+//
+// The next estimate does not wait for the exact difference: with
+// R = (r3 r2 r1 r0), Y = (r2 : r1) - q (b3 : b2) - hi(q b1) leaves out only
+// the low words' contribution, which lies in (-2, 1) units of 2^64, so the
+// new remainder's top two words X' satisfy X' <= Y <= X' + 2 (and Y, below
+// 2^50 + 2, needs no more than its low 64 bits).  That overestimate costs
+// at most 2 * 2^36 / B <= 2^-15 on the next estimate, inside the bias of
+// 2^-13 (see above).  When the rare correction runs, Y is taken exactly.
+//
+// The remainder lives in a window of words that slides down one word per
+// digit: R = w[0..3] (least significant first) becomes R' = w[-1..2], so
+// the words are updated in place and never copied (copies of neighbouring
+// 32-bit words get merged into 64-bit moves, whose loads then stall on
+// store forwarding).
+inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t q, __m128d* y) {
+    // One pass, written out: the compiler's 64-bit register-pair code for
+    // these sums spills most of the partial results, and any spill of Y
+    // would put a store-to-load round trip on the path to the next digit,
+    // so Y goes to an SSE register here.  Y comes first (its products are
+    // formed again in the exact pass, which costs less than keeping them in
+    // the few registers there are); the exact pass multiplies and subtracts
+    // word by word, the carry word (in Y's register, free by then) absorbing
+    // each borrow.
+    std::uint32_t y_lo, y_hi;
+    __m128d y_double, scratch;
+    __asm__(
+        "movl %[q], %%eax\n\t"
+        "mull %[b2]\n\t"
+        "movl %[n2], %[ylo]\n\t"
+        "movl %[n3], %[yhi]\n\t"
+        "subl %%eax, %[ylo]\n\t"
+        "sbbl %%edx, %[yhi]\n\t"
+        "movl %[q], %%eax\n\t"
+        "imull %[b3], %%eax\n\t"
+        "subl %%eax, %[yhi]\n\t"
+        "movl %[q], %%eax\n\t"
+        "mull %[b1]\n\t"
+        "subl %%edx, %[ylo]\n\t"
+        "sbbl $0, %[yhi]\n\t"
+        "movd %[ylo], %[y]\n\t"
+        "movd %[yhi], %[t]\n\t"
+        "punpckldq %[t], %[y]\n\t"
+        "orpd %[two52], %[y]\n\t"
+        // exact pass
+        "movl %[q], %%eax\n\t"
+        "mull %[b0]\n\t"
+        "negl %%eax\n\t"
+        "movl %%eax, %[n0]\n\t"
+        "adcl $0, %%edx\n\t"
+        "movl %%edx, %[ylo]\n\t"
+        "movl %[q], %%eax\n\t"
+        "mull %[b1]\n\t"
+        "addl %[ylo], %%eax\n\t"
+        "adcl $0, %%edx\n\t"
+        "subl %%eax, %[n1]\n\t"
+        "adcl $0, %%edx\n\t"
+        "movl %%edx, %[ylo]\n\t"
+        "movl %[q], %%eax\n\t"
+        "mull %[b2]\n\t"
+        "addl %[ylo], %%eax\n\t"
+        "adcl $0, %%edx\n\t"
+        "subl %%eax, %[n2]\n\t"
+        "adcl $0, %%edx\n\t"
+        "movl %[q], %%eax\n\t"
+        "imull %[b3], %%eax\n\t"
+        "addl %%edx, %%eax\n\t"
+        "subl %%eax, %[n3]"
+        : [n0] "=m"(w[-1]), [n1] "+m"(w[0]), [n2] "+m"(w[1]), [n3] "+m"(w[2]), [ylo] "=&r"(y_lo), [yhi] "=&r"(y_hi),
+          [y] "=&x"(y_double), [t] "=&x"(scratch)
+        : [q] "rm"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3), [two52] "x"(_mm_set_sd(0x1p52))
+        : "eax", "edx", "cc");
+    *y = y_double;
+    if (w[2] >= b.w3) [[unlikely]] {  // about one digit in 2^13
+        const std::uint64_t bh = (std::uint64_t{b.w3} << 32) | b.w2, bl = (std::uint64_t{b.w1} << 32) | b.w0;
+        std::uint64_t hi = (std::uint64_t{w[2]} << 32) | w[1], lo = (std::uint64_t{w[0]} << 32) | w[-1];
+        if (hi > bh || (hi == bh && lo >= bl)) {
+            ++q;
+            hi -= bh + (lo < bl);
+            lo -= bl;
+            w[-1] = static_cast<std::uint32_t>(lo);
+            w[0] = static_cast<std::uint32_t>(lo >> 32);
+            w[1] = static_cast<std::uint32_t>(hi);
+            w[2] = static_cast<std::uint32_t>(hi >> 32);
+            *y = planted(w[1], w[2]);
+        }
+    }
+    return q;
+}
+
+// The last 17 bits, q = floor(R 2^17 / b), and whether the remainder
+// R 2^17 - q b is non-zero, the slow way: for the rare estimates too close
+// to an integer to decide (exact quotients among them).  The estimate may
+// be off by one either way; the difference lies in (-2b, 2b), so it is
+// formed modulo 2^128.
+[[gnu::cold, gnu::noinline]] std::uint32_t last_digit_exact(Words r, Words b, std::uint32_t q, bool* inexact) {
+    const std::uint64_t rh = (std::uint64_t{r.w3} << 32) | r.w2, rl = (std::uint64_t{r.w1} << 32) | r.w0;
+    const std::uint64_t bh = (std::uint64_t{b.w3} << 32) | b.w2, bl = (std::uint64_t{b.w1} << 32) | b.w0;
+    std::uint64_t ph;
+    const std::uint64_t pl = detail::mul_64x64(q, bl, &ph);
+    ph += detail::mul_low(q, bh);
+    const std::uint64_t nh = (rh << 17) | (rl >> 47), nl = rl << 17;
+    std::uint64_t lo = nl - pl;
+    std::uint64_t hi = nh - ph - (nl < pl);
+    while ((hi >> 63) != 0) {
+        --q;
+        lo += bl;
+        hi += bh + (lo < bl);
+    }
+    while (hi > bh || (hi == bh && lo >= bl)) {
+        ++q;
+        hi -= bh + (lo < bl);
+        lo -= bl;
+    }
+    *inexact = (hi | lo) != 0;
+    return q;
+}
+
+// x / y for non-zero tops, on words (least significant first), inlined into
+// the entry point (a call would realign the stack a second time).
+//
+// The significands a, b; a is doubled when a < b, so that r = a - b < b:
+// r is formed as a - b, and when that borrows, as (a - b) + a.  The
+// fraction bits of r / b: three exact digits of 32 bits, then 17 bits q4
+// read off the estimate w = Y 2^21 / B: by the bounds above scaled by
+// 2^-15 (Y's overestimate costs at most 2^-30, dropping the low words at
+// most 2^-31, the roundings about 2^-32), |R 2^17 / b - w| < 2^-29, so when
+// floor(w - 2^-28) equals floor(w + 2^-28) that is the digit and the
+// remainder is not zero (the true quotient is no integer).  A tie in either
+// floor can only make them differ.  The quotient 2^113 + q1 2^81 + q2 2^49 +
+// q3 2^17 + q4 is the significand with one bit below it, and the remainder
+// is the sticky bit.
+[[gnu::always_inline]] inline Status divide_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t* out) {
+    const std::uint32_t sign = (x[3] ^ y[3]) & kSignBit;
+    std::int32_t e = static_cast<std::int32_t>((x[3] >> 16) & 0x7FFF) - static_cast<std::int32_t>((y[3] >> 16) & 0x7FFF) + kBias;
+    const Words a{x[0], x[1], x[2], (x[3] & 0xFFFF) | 0x10000};
+    const Words b{y[0], y[1], y[2], (y[3] & 0xFFFF) | 0x10000};
+    Words r = a;
+    std::uint32_t below;  // all ones when a < b
+    __asm__(
+        "subl %[b0], %[r0]\n\t"
+        "sbbl %[b1], %[r1]\n\t"
+        "sbbl %[b2], %[r2]\n\t"
+        "sbbl %[b3], %[r3]\n\t"
+        "sbbl %[m], %[m]"
+        : [r0] "+r"(r.w0), [r1] "+r"(r.w1), [r2] "+r"(r.w2), [r3] "+r"(r.w3), [m] "=r"(below)
+        : [b0] "rm"(b.w0), [b1] "rm"(b.w1), [b2] "rm"(b.w2), [b3] "rm"(b.w3)
+        : "cc");
+    // Half of all operands go either way: no branch.
+    e += static_cast<std::int32_t>(below);
+    __asm__(
+        "addl %[a0], %[r0]\n\t"
+        "adcl %[a1], %[r1]\n\t"
+        "adcl %[a2], %[r2]\n\t"
+        "adcl %[a3], %[r3]"
+        : [r0] "+r"(r.w0), [r1] "+r"(r.w1), [r2] "+r"(r.w2), [r3] "+r"(r.w3)
+        : [a0] "rm"(a.w0 & below), [a1] "rm"(a.w1 & below), [a2] "rm"(a.w2 & below), [a3] "rm"(a.w3 & below)
+        : "cc");
+
+    // B = the divisor's leading 53 bits, b >> 60, planted in the mantissa
+    // of 2^52 with its own leading one cleared: the double B.
+    const __m128d big_b =
+        _mm_or_pd(bits_as_double((b.w1 >> 28) | (b.w2 << 4), ((b.w2 >> 28) | (b.w3 << 4)) ^ 0x100000u),
+                  _mm_set_sd(0x1p52));
+    const __m128d c = _mm_div_sd(_mm_set_sd(0x1p36), big_b);
+    // 2^52 c + 1/2 + 2^-13, and for the last digit c 2^-15 and 2^52 c 2^-15.
+    const __m128d offset = _mm_add_sd(_mm_mul_sd(c, _mm_set_sd(0x1p52)), _mm_set_sd(0.5 + 0x1p-13));
+    const __m128d c17 = _mm_mul_sd(c, _mm_set_sd(0x1p-15));
+    const __m128d offset17 = _mm_mul_sd(c, _mm_set_sd(0x1p37));
+
+    std::uint32_t w[7];  // the remainder window: R = w[3..6] at first
+    w[3] = r.w0;
+    w[4] = r.w1;
+    w[5] = r.w2;
+    w[6] = r.w3;
+    __m128d top = planted(r.w2, r.w3);
+    const std::uint32_t q1 = next_digit(w + 3, b, digit_estimate(top, c, offset), &top);
+    const std::uint32_t q2 = next_digit(w + 2, b, digit_estimate(top, c, offset), &top);
+    const std::uint32_t q3 = next_digit(w + 1, b, digit_estimate(top, c, offset), &top);
+    // Both floors at once: of w - 2^-28 in lane 0 and of w + 2^-28 in lane 1.
+    const __m128d est = _mm_sub_sd(_mm_mul_sd(top, c17), offset17);
+    const __m128i rounded = _mm_castpd_si128(_mm_add_pd(
+        _mm_sub_pd(_mm_unpacklo_pd(est, est), _mm_set_pd(0.5 - 0x1p-28, 0.5 + 0x1p-28)), _mm_set1_pd(0x1.8p52)));
+    std::uint32_t q4 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(rounded));
+    const std::uint32_t q4_upper = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_shuffle_epi32(rounded, 2)));
+    bool inexact = true;
+    if (q4 != q4_upper) [[unlikely]] q4 = last_digit_exact(Words{w[0], w[1], w[2], w[3]}, b, q4_upper, &inexact);
+
+    // Significand words, below them the bit q4 & 1 and the sticky bit.
+    // Round to nearest, ties to even: up when that bit is set and either
+    // the remainder is non-zero or the last significand bit is odd.
+    std::uint32_t s0 = (q3 << 16) | (q4 >> 1), s1 = (q2 << 16) | (q3 >> 16), s2 = (q1 << 16) | (q2 >> 16),
+                  s3 = 0x10000 | (q1 >> 16);
+    const std::uint32_t up = q4 & (static_cast<std::uint32_t>(inexact) | (q4 >> 1)) & 1;
+    __asm__(
+        "addl %[up], %[s0]\n\t"
+        "adcl $0, %[s1]\n\t"
+        "adcl $0, %[s2]\n\t"
+        "adcl $0, %[s3]"
+        : [s0] "+r"(s0), [s1] "+r"(s1), [s2] "+r"(s2), [s3] "+r"(s3)
+        : [up] "rm"(up)
+        : "cc");
+    if (s3 == 0x20000) [[unlikely]] {  // all fraction bits were ones
+        s3 = 0x10000;
+        ++e;
+    }
+    if (e <= 0) return Status::underflow;
+    if (e >= 0x7FFF) return Status::overflow;
+    out[0] = s0;
+    out[1] = s1;
+    out[2] = s2;
+    out[3] = sign | (static_cast<std::uint32_t>(e) << 16) | (s3 & 0xFFFF);
+    return Status::ok;
+}
+
+// The same on halves, for the retries after a report.
+inline Status divide_nonzero(Halves x, Halves y, Halves* out) {
+    const Real16 qx = detail::to_real16(x), qy = detail::to_real16(y);
+    Real16 q;
+    const Status s = divide_words(qx.w, qy.w, q.w);
+    if (s == Status::ok) *out = detail::load(&q);
+    return s;
+}
+
+#endif
 
 // Zero tests first (divisor, then dividend), then the quotient.
 enum class Outcome { ok, underflow, overflow, zero_divisor };
@@ -298,10 +524,30 @@ inline Outcome attempt(Halves x, Halves y, Halves* out) {
 
 extern "C" mivor_real16* g_aqdq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
     using namespace mivor::quad;
+#if defined(__x86_64__)
     const Halves x = detail::load(a), y = detail::load(b);
     Halves r;
     const Outcome o = attempt(x, y, &r);
     if (o != Outcome::ok) [[unlikely]] r = recover(o, x, y);
     detail::store(result, r);
+#else
+    // The first attempt on words, read straight from the operands and
+    // written straight to the result (a word at a time: a wider load of
+    // the result would not be forwarded from narrower stores).  All of the
+    // operands are read before the result, which may be either of them, is
+    // written, and nothing is written unless the quotient is in range.
+    Outcome o;
+    if ((b->w[3] & 0x7FFFFFFFu) == 0) {
+        o = Outcome::zero_divisor;
+    } else if ((a->w[3] & 0x7FFFFFFFu) == 0) {
+        result->w[0] = result->w[1] = result->w[2] = result->w[3] = 0;
+        return result;
+    } else {
+        const Status s = divide_words(a->w, b->w, result->w);
+        if (s == Status::ok) [[likely]] return result;
+        o = s == Status::underflow ? Outcome::underflow : Outcome::overflow;
+    }
+    detail::store(result, recover(o, detail::load(a), detail::load(b)));
+#endif
     return result;
 }

@@ -58,60 +58,174 @@ inline void product(std::uint64_t ah, std::uint64_t al, std::uint64_t bh, std::u
     *p1 = s1;
 }
 #else
-// The 32-bit targets scan the product column by column over 32-bit words:
-// each column's 32 x 32 -> 64-bit products are summed into a 96-bit
-// accumulator (`acc` and the carry count `over`, at most 4 per column),
-// whose low word is the column's word.  Sixteen products either way, but
-// far fewer 64-bit additions, each needing a register pair, than with
-// four 64 x 64 products.
-inline void product(std::uint64_t ah, std::uint64_t al, std::uint64_t bh, std::uint64_t bl, std::uint64_t* p3,
-                    std::uint64_t* p2, std::uint64_t* p1, std::uint64_t* p0) {
-    const std::uint32_t a0 = static_cast<std::uint32_t>(al), a1 = static_cast<std::uint32_t>(al >> 32);
-    const std::uint32_t a2 = static_cast<std::uint32_t>(ah), a3 = static_cast<std::uint32_t>(ah >> 32);
-    const std::uint32_t b0 = static_cast<std::uint32_t>(bl), b1 = static_cast<std::uint32_t>(bl >> 32);
-    const std::uint32_t b2 = static_cast<std::uint32_t>(bh), b3 = static_cast<std::uint32_t>(bh >> 32);
-    std::uint64_t acc = 0;
-    std::uint32_t over = 0;
-    auto mac = [&](std::uint32_t x, std::uint32_t y) {
-        const std::uint64_t t = std::uint64_t{x} * y;
-        acc += t;
-        over += acc < t;
-    };
-    auto next = [&]() {
-        const std::uint32_t word = static_cast<std::uint32_t>(acc);
-        acc = (acc >> 32) | (std::uint64_t{over} << 32);
-        over = 0;
-        return word;
-    };
-    mac(a0, b0);
-    const std::uint32_t w0 = next();
-    mac(a0, b1);
-    mac(a1, b0);
-    const std::uint32_t w1 = next();
-    mac(a0, b2);
-    mac(a1, b1);
-    mac(a2, b0);
-    const std::uint32_t w2 = next();
-    mac(a0, b3);
-    mac(a1, b2);
-    mac(a2, b1);
-    mac(a3, b0);
-    const std::uint32_t w3 = next();
-    mac(a1, b3);
-    mac(a2, b2);
-    mac(a3, b1);
-    const std::uint32_t w4 = next();
-    mac(a2, b3);
-    mac(a3, b2);
-    const std::uint32_t w5 = next();
-    mac(a3, b3);  // a3, b3 < 2^17
-    *p3 = acc;
-    *p2 = (std::uint64_t{w5} << 32) | w4;
-    *p1 = (std::uint64_t{w3} << 32) | w2;
-    *p0 = (std::uint64_t{w1} << 32) | w0;
+// The 32-bit targets work on 32-bit words throughout: operands are read,
+// and the product rounded and written, a word at a time (the compiler's
+// register-pair code for 64-bit halves spills most of its values, and
+// 64-bit loads over 32-bit stores miss store forwarding).  The product is
+// scanned column by column: each column's 32 x 32 -> 64-bit products are
+// summed into a three-word accumulator whose registers rotate from column
+// to column, so a word leaves the accumulator without being moved.  The
+// three lowest words only matter by being non-zero and are ORed together.
+// In the columns from 5 up the sums stay below 2^64 (a3, b3 < 2^17): no
+// third word there.
+struct Product {
+    std::uint32_t p3, p4, p5, p6, p7, sticky;  // p3..p7 the words from bit 96 up
+};
+
+inline Product product(const std::uint32_t (&a)[4], const std::uint32_t (&b)[4]) {
+    Product p;
+    std::uint32_t r2;
+    __asm__(
+        // column 0: the low word to the sticky word, the high one carried
+        "movl %[a0], %%eax\n\t"
+        "mull %[b0]\n\t"
+        "movl %%eax, %[s]\n\t"
+        "movl %%edx, %[r1]\n\t"
+        "xorl %[r2], %[r2]\n\t"
+        "xorl %[r0], %[r0]\n\t"
+        // column 1: accumulator (r0 : r2 : r1)
+        "movl %[a0], %%eax\n\t"
+        "mull %[b1]\n\t"
+        "addl %%eax, %[r1]\n\t"
+        "adcl %%edx, %[r2]\n\t"
+        "adcl $0, %[r0]\n\t"
+        "movl %[a1], %%eax\n\t"
+        "mull %[b0]\n\t"
+        "addl %%eax, %[r1]\n\t"
+        "adcl %%edx, %[r2]\n\t"
+        "adcl $0, %[r0]\n\t"
+        "orl %[r1], %[s]\n\t"
+        "xorl %[r1], %[r1]\n\t"
+        // column 2: accumulator (r1 : r0 : r2)
+        "movl %[a0], %%eax\n\t"
+        "mull %[b2]\n\t"
+        "addl %%eax, %[r2]\n\t"
+        "adcl %%edx, %[r0]\n\t"
+        "adcl $0, %[r1]\n\t"
+        "movl %[a1], %%eax\n\t"
+        "mull %[b1]\n\t"
+        "addl %%eax, %[r2]\n\t"
+        "adcl %%edx, %[r0]\n\t"
+        "adcl $0, %[r1]\n\t"
+        "movl %[a2], %%eax\n\t"
+        "mull %[b0]\n\t"
+        "addl %%eax, %[r2]\n\t"
+        "adcl %%edx, %[r0]\n\t"
+        "adcl $0, %[r1]\n\t"
+        "orl %[r2], %[s]\n\t"
+        "xorl %[r2], %[r2]\n\t"
+        // column 3: accumulator (r2 : r1 : r0)
+        "movl %[a0], %%eax\n\t"
+        "mull %[b3]\n\t"
+        "addl %%eax, %[r0]\n\t"
+        "adcl %%edx, %[r1]\n\t"
+        "adcl $0, %[r2]\n\t"
+        "movl %[a1], %%eax\n\t"
+        "mull %[b2]\n\t"
+        "addl %%eax, %[r0]\n\t"
+        "adcl %%edx, %[r1]\n\t"
+        "adcl $0, %[r2]\n\t"
+        "movl %[a2], %%eax\n\t"
+        "mull %[b1]\n\t"
+        "addl %%eax, %[r0]\n\t"
+        "adcl %%edx, %[r1]\n\t"
+        "adcl $0, %[r2]\n\t"
+        "movl %[a3], %%eax\n\t"
+        "mull %[b0]\n\t"
+        "addl %%eax, %[r0]\n\t"
+        "adcl %%edx, %[r1]\n\t"
+        "adcl $0, %[r2]\n\t"
+        "movl %[r0], %[p3]\n\t"
+        "xorl %[r0], %[r0]\n\t"
+        // column 4: accumulator (r0 : r2 : r1)
+        "movl %[a1], %%eax\n\t"
+        "mull %[b3]\n\t"
+        "addl %%eax, %[r1]\n\t"
+        "adcl %%edx, %[r2]\n\t"
+        "adcl $0, %[r0]\n\t"
+        "movl %[a2], %%eax\n\t"
+        "mull %[b2]\n\t"
+        "addl %%eax, %[r1]\n\t"
+        "adcl %%edx, %[r2]\n\t"
+        "adcl $0, %[r0]\n\t"
+        "movl %[a3], %%eax\n\t"
+        "mull %[b1]\n\t"
+        "addl %%eax, %[r1]\n\t"
+        "adcl %%edx, %[r2]\n\t"
+        "adcl $0, %[r0]\n\t"
+        "movl %[r1], %[p4]\n\t"
+        "xorl %[r1], %[r1]\n\t"
+        // column 5: accumulator (r0 : r2), no third word
+        "movl %[a2], %%eax\n\t"
+        "mull %[b3]\n\t"
+        "addl %%eax, %[r2]\n\t"
+        "adcl %%edx, %[r0]\n\t"
+        "movl %[a3], %%eax\n\t"
+        "mull %[b2]\n\t"
+        "addl %%eax, %[r2]\n\t"
+        "adcl %%edx, %[r0]\n\t"
+        "movl %[r2], %[p5]\n\t"
+        // column 6: accumulator (r1 : r0), leaving p7 : p6
+        "movl %[a3], %%eax\n\t"
+        "mull %[b3]\n\t"
+        "addl %%eax, %[r0]\n\t"
+        "adcl %%edx, %[r1]"
+        : [s] "=&rm"(p.sticky), [r0] "=&r"(p.p6), [r1] "=&r"(p.p7), [r2] "=&r"(r2), [p3] "=m"(p.p3), [p4] "=m"(p.p4),
+          [p5] "=m"(p.p5)
+        : [a0] "m"(a[0]), [a1] "m"(a[1]), [a2] "m"(a[2]), [a3] "m"(a[3]), [b0] "m"(b[0]), [b1] "m"(b[1]),
+          [b2] "m"(b[2]), [b3] "m"(b[3])
+        : "eax", "edx", "cc");
+    return p;
+}
+
+// x * y for non-zero tops, on words (least significant first), inlined into
+// the entry point (a call would realign the stack a second time); nothing is
+// written unless the product is in range.
+[[gnu::always_inline]] inline Status multiply_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t* out) {
+    const std::uint32_t sign = (x[3] ^ y[3]) & kSignBit;
+    std::int32_t e = static_cast<std::int32_t>((x[3] >> 16) & 0x7FFF) + static_cast<std::int32_t>((y[3] >> 16) & 0x7FFF) - kBias;
+    const std::uint32_t a[4] = {x[0], x[1], x[2], (x[3] & 0xFFFF) | 0x10000};
+    const std::uint32_t b[4] = {y[0], y[1], y[2], (y[3] & 0xFFFF) | 0x10000};
+    const Product p = product(a, b);
+    // The product is in [2^224, 2^226): its leading one is bit 0 or 1 of
+    // p7.  The 113 bits from there are the significand, the next bit the
+    // guard bit, and everything below it sticky.  Without a branch: the
+    // product reaches 2 for about 40% of all operands.
+    const std::uint32_t two = p.p7 >> 1;
+    const unsigned shift = 16 + two;  // of the words from p3 up
+    e += static_cast<std::int32_t>(two);
+    auto pair = [](std::uint32_t lo, std::uint32_t hi) { return (std::uint64_t{hi} << 32) | lo; };
+    std::uint32_t s0 = static_cast<std::uint32_t>(pair(p.p3, p.p4) >> shift);
+    std::uint32_t s1 = static_cast<std::uint32_t>(pair(p.p4, p.p5) >> shift);
+    std::uint32_t s2 = static_cast<std::uint32_t>(pair(p.p5, p.p6) >> shift);
+    std::uint32_t s3 = static_cast<std::uint32_t>(pair(p.p6, p.p7) >> shift);
+    const std::uint32_t guard = (p.p3 >> (shift - 1)) & 1;
+    const std::uint32_t below = (p.p3 & ((1u << (shift - 1)) - 1)) | p.sticky;
+    // To nearest, ties to even.
+    const std::uint32_t up = guard & (static_cast<std::uint32_t>(below != 0) | s0);
+    __asm__(
+        "addl %[up], %[s0]\n\t"
+        "adcl $0, %[s1]\n\t"
+        "adcl $0, %[s2]\n\t"
+        "adcl $0, %[s3]"
+        : [s0] "+r"(s0), [s1] "+r"(s1), [s2] "+r"(s2), [s3] "+r"(s3)
+        : [up] "rm"(up)
+        : "cc");
+    if (s3 == 0x20000) [[unlikely]] {  // all fraction bits were ones
+        s3 = 0x10000;
+        ++e;
+    }
+    if (e <= 0) return Status::underflow;
+    if (e >= 0x7FFF) return Status::overflow;
+    out[0] = s0;
+    out[1] = s1;
+    out[2] = s2;
+    out[3] = sign | (static_cast<std::uint32_t>(e) << 16) | (s3 & 0xFFFF);
+    return Status::ok;
 }
 #endif
 
+#if defined(__x86_64__)
 // x * y for non-zero tops.
 inline Status multiply_nonzero(Halves x, Halves y, Halves* out) {
     const std::uint64_t sign = (x.hi ^ y.hi) & detail::kSign64;
@@ -138,6 +252,17 @@ inline Status multiply_nonzero(Halves x, Halves y, Halves* out) {
     }
     return detail::round_and_pack(sign, e, hi, lo, ext, out);
 }
+
+#else
+// The same on halves, for the retries after a report.
+inline Status multiply_nonzero(Halves x, Halves y, Halves* out) {
+    const Real16 qx = detail::to_real16(x), qy = detail::to_real16(y);
+    Real16 q;
+    const Status s = multiply_words(qx.w, qy.w, q.w);
+    if (s == Status::ok) *out = detail::load(&q);
+    return s;
+}
+#endif
 
 inline Status attempt(Halves x, Halves y, Halves* out) {
     if (detail::top_is_zero(x) || detail::top_is_zero(y)) {
@@ -171,10 +296,22 @@ inline Status attempt(Halves x, Halves y, Halves* out) {
 
 extern "C" mivor_real16* g_aqmq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
     using namespace mivor::quad;
+#if defined(__x86_64__)
     const Halves x = detail::load(a), y = detail::load(b);
     Halves r;
     const Status s = attempt(x, y, &r);
     if (s != Status::ok) [[unlikely]] r = recover(s, x, y);
     detail::store(result, r);
+#else
+    // The first attempt on words, read straight from the operands and
+    // written straight to the result, which may be either of them: the
+    // product reads all of the operands before it writes.
+    if ((a->w[3] & 0x7FFFFFFFu) == 0 || (b->w[3] & 0x7FFFFFFFu) == 0) {
+        result->w[0] = result->w[1] = result->w[2] = result->w[3] = 0;
+        return result;
+    }
+    const Status s = multiply_words(a->w, b->w, result->w);
+    if (s != Status::ok) [[unlikely]] detail::store(result, recover(s, detail::load(a), detail::load(b)));
+#endif
     return result;
 }

@@ -221,4 +221,21 @@ inline Pair draw(Stream& s, Op op) {
     return {compose(sx, ex, fx.high, fx.low), compose(sy, ey, fy.high, fy.low)};
 }
 
+// Operands for results a hair from a representable number: q in [1, 2)
+// (one in four with only its top 8 fraction bits, for exact quotients) and
+// y within 2^+-20.  The caller divides fl(q y) by y, or multiplies
+// x = fl(q y) by fl(1 / x) or fl(2 / x).
+struct NearRepresentable {
+    mivor_real16 q, y;
+};
+
+inline NearRepresentable near_representable(Stream& s) {
+    const Fraction fq = fraction(s), fy = fraction(s);
+    const bool short_q = s.below(4) == 0;
+    const bool sq = s.coin(), sy = s.coin();
+    const std::uint32_t ey = 16363 + s.below(41);
+    return {compose(sq, 16383, short_q ? fq.high & ~((std::uint64_t{1} << 40) - 1) : fq.high, short_q ? 0 : fq.low),
+            compose(sy, ey, fy.high, fy.low)};
+}
+
 }  // namespace mivor::testing

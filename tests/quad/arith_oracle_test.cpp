@@ -106,6 +106,51 @@ void run(Op op, std::uint64_t seed) {
     EXPECT_GT(t.exact, n * 9 / 10);
 }
 
+// Results a hair from a representable number, where the digits below the
+// last kept bit are long runs of zeros or ones: quotients x / y with
+// x = fl(q y), exact quotients (x = q y with a short q), and products of x
+// with fl(1 / x) and fl(2 / x), near the place where the product's leading
+// one moves.  There the division's digit estimates come closest to the
+// bits kept and must give way to the exact remainder.
+TEST(QuadArithOracle, ResultsNextToRepresentableNumbers) {
+    RecordingHandler handler;
+    Stream s(0xE4AC7u);
+    const long n = pairs_per_operator() / 4;
+    long failures = 0;
+    auto check = [&](const char* what, mivor_real16 (*op)(const mivor_real16&, const mivor_real16&),
+                     __float128 expected_f, const mivor_real16& x, const mivor_real16& y) {
+        const mivor_real16 expected = from_f128(expected_f);
+        handler.clear();
+        const mivor_real16 got = op(x, y);
+        if ((!handler.reports().empty() || std::memcmp(&got, &expected, sizeof got) != 0) && ++failures <= 10) {
+            ADD_FAILURE() << what << ": x = " << hex(x) << ", y = " << hex(y) << "\n  got      " << hex(got)
+                          << "\n  expected " << hex(expected);
+        }
+    };
+    auto divide = [](const mivor_real16& x, const mivor_real16& y) {
+        mivor_real16 r;
+        g_aqdq(&r, &x, &y);
+        return r;
+    };
+    auto multiply = [](const mivor_real16& x, const mivor_real16& y) {
+        mivor_real16 r;
+        g_aqmq(&r, &x, &y);
+        return r;
+    };
+    for (long i = 0; i < n; ++i) {
+        const NearRepresentable d = near_representable(s);
+        const mivor_real16 q = d.q, y = d.y;
+        const __float128 fy128 = to_f128(y);
+        const mivor_real16 x = from_f128(to_f128(q) * fy128);
+        check("x / y, x = q y", divide, to_f128(x) / fy128, x, y);
+        const mivor_real16 one_over = from_f128(1 / to_f128(x));
+        const mivor_real16 two_over = from_f128(2 / to_f128(x));
+        check("x * fl(1 / x)", multiply, to_f128(x) * to_f128(one_over), x, one_over);
+        check("x * fl(2 / x)", multiply, to_f128(x) * to_f128(two_over), x, two_over);
+    }
+    EXPECT_EQ(failures, 0);
+}
+
 TEST(QuadArithOracle, Add) { run(Op::add, 0xA11u); }
 TEST(QuadArithOracle, Subtract) { run(Op::sub, 0x5B5u); }
 TEST(QuadArithOracle, Multiply) { run(Op::mul, 0x3A3u); }

@@ -122,6 +122,58 @@ TEST(QuadArithRounding, QuotientsJustBelowOne) {
     }
 }
 
+TEST(QuadArithRounding, ResultsWithLongRunsBelowTheLastBit) {
+    // Exact quotients and quotients and products a hair from a
+    // representable number (near 2 for products, where the leading one
+    // moves): the bits below the last kept one are all zeros or long runs,
+    // where a division's digit estimates cannot decide alone and a
+    // product's sticky bits do (values from __float128).
+    const struct {
+        const char* what;
+        Fn fn;
+        mivor_real16 x, y, result;
+    } cases[] = {
+        {"(1 + 2^-112) / 1", g_aqdq, q(0x3FFF0000u, 0x00000000u, 0x00000000u, 0x00000001u),
+         q(0x3FFF0000u, 0x00000000u, 0x00000000u, 0x00000000u),
+         q(0x3FFF0000u, 0x00000000u, 0x00000000u, 0x00000001u)},
+        {"3y / y", g_aqdq, q(0x4000B4E8u, 0x1B4E81B4u, 0xE681B4E8u, 0x1B4E81B2u),
+         q(0x3FFF2345u, 0x6789ABCDu, 0xEF012345u, 0x6789ABCCu),
+         q(0x40008000u, 0x00000000u, 0x00000000u, 0x00000000u)},
+        {"x / y, quotient 1 + 2^-40", g_aqdq, q(0x3FFFABCDu, 0xEF0124F1u, 0x3578ACF1u, 0x3468ACF1u),
+         q(0x3FFFABCDu, 0xEF012345u, 0x6789ABCDu, 0xEF012345u),
+         q(0x3FFF0000u, 0x00000100u, 0x00000000u, 0x00000000u)},
+        {"x / y, quotient next to 1 + 2^-97", g_aqdq, q(0x3FFF5555u, 0x55555555u, 0x55555555u, 0x55560000u),
+         q(0x3FFF5555u, 0x55555555u, 0x55555555u, 0x55555555u),
+         q(0x3FFF0000u, 0x00000000u, 0x00000000u, 0x00008000u)},
+        {"x / y, quotient with runs of 16", g_aqdq, q(0x4012479Bu, 0xE0233456u, 0x6679CF13u, 0x68ABBCE0u),
+         q(0x40123456u, 0x789ABCDEu, 0xF0123456u, 0x789ABCDFu),
+         q(0x3FFF0FFFu, 0xFFFF0000u, 0x0000FFFFu, 0xFFFF0001u)},
+        {"1 / (2 - 2^-112)", g_aqdq, q(0x3FFF0000u, 0x00000000u, 0x00000000u, 0x00000000u),
+         q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu),
+         q(0x3FFE0000u, 0x00000000u, 0x00000000u, 0x00000001u)},
+        {"(2 - 2^-112) (1 + 2^-112)", g_aqmq, q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu),
+         q(0x3FFF0000u, 0x00000000u, 0x00000000u, 0x00000001u),
+         q(0x40000000u, 0x00000000u, 0x00000000u, 0x00000000u)},
+        {"(2 - 2^-112) (1 + 2^-111)", g_aqmq, q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu),
+         q(0x3FFF0000u, 0x00000000u, 0x00000000u, 0x00000002u),
+         q(0x40000000u, 0x00000000u, 0x00000000u, 0x00000001u)},
+        {"fl(sqrt 2)^2", g_aqmq, q(0x3FFF6A09u, 0xE667F3BCu, 0xC908B2FBu, 0x1366EA95u),
+         q(0x3FFF6A09u, 0xE667F3BCu, 0xC908B2FBu, 0x1366EA95u),
+         q(0x3FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu)},
+        {"(fl(sqrt 2) + ulp)^2", g_aqmq, q(0x3FFF6A09u, 0xE667F3BCu, 0xC908B2FBu, 0x1366EA96u),
+         q(0x3FFF6A09u, 0xE667F3BCu, 0xC908B2FBu, 0x1366EA96u),
+         q(0x40000000u, 0x00000000u, 0x00000000u, 0x00000001u)},
+        {"(1 + 2^-56)^2", g_aqmq, q(0x3FFF0000u, 0x00000000u, 0x01000000u, 0x00000000u),
+         q(0x3FFF0000u, 0x00000000u, 0x01000000u, 0x00000000u),
+         q(0x3FFF0000u, 0x00000000u, 0x02000000u, 0x00000001u)},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_BITS(c.result, call(c.fn, c.x, c.y));
+        EXPECT_BITS(neg(c.result), call(c.fn, neg(c.x), c.y));
+    }
+}
+
 TEST(QuadArithRounding, FarSmallerOperandLeavesTheLargerOne) {
     const mivor_real16 x = q(0x4005ABCDu, 0x01234567u, 0x89ABCDEFu, 0xFFFFFFFFu);
     for (std::uint32_t d : {114u, 145u, 146u, 147u, 400u, 16000u}) {
