@@ -40,9 +40,12 @@
 // function, lane 0 first.
 #include <emmintrin.h>
 
+#include <array>
 #include <bit>
 #include <cstdint>
+#include <cstring>
 
+#include "elementary/lanes.h"
 #include "elementary/log_data.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
@@ -67,46 +70,97 @@ static_assert(std::bit_cast<std::uint64_t>(T1) >> 32 == kT1High);
 
 enum class Base { e, two, ten };
 
-// The table-dependent part of one argument.
-struct Prep {
-    double y_minus_c;  // r
-    double dn;         // n
-    unsigned j;
+// One row per interval j, in the order the kernel reads it: ln c_j, the c
+// that r is measured from (1 or 33/64), and p0..p7 paired as (p0, p4),
+// (p1, p5), (p2, p6), (p3, p7), so that the two halves of the Estrin scheme,
+// p0 + p1 r + r2 (p2 + p3 r) and p4 + p5 r + r2 (p6 + p7 r), are evaluated
+// together in one register, each pair an aligned operand.  Built at compile
+// time from the generated tables; same values, so the same bits.
+struct alignas(16) Row {
+    double hi, lo;
+    double c, unused;
+    double p04[2], p15[2], p26[2], p37[2];
 };
 
-inline Prep prepare(double x, int n_offset) {
-    const std::uint64_t w = bits_of(x);
-    const auto hw = static_cast<std::uint32_t>(w >> 32);
-    const std::int32_t n = static_cast<std::int32_t>(hw - kT1High) >> 20;
-    const double y = double_from_bits((w & T3) - (static_cast<std::uint64_t>(n) << 52));
-    const unsigned b = (hw >> 19) & 1;
-    const unsigned f5 = (hw >> 15) & 31;
-    return {y - ctbl[b], static_cast<double>(n + n_offset), f5 + b};
+consteval std::array<Row, 33> make_rows() {
+    std::array<Row, 33> rows{};
+    for (int j = 0; j < 33; ++j) {
+        const double* p = log_p[j].c;
+        rows[j] = Row{log_atbl[j].hi, log_atbl[j].lo, j < 16 ? ctbl[0] : ctbl[1], 0.0,
+                      {p[0], p[4]}, {p[1], p[5]}, {p[2], p[6]}, {p[3], p[7]}};
+    }
+    return rows;
 }
+constexpr std::array<Row, 33> kRows = make_rows();
+
+// Pairs read as packed operands (see lanes.h).
+struct Scale {
+    Lanes hi, lo, full;
+};
+constexpr Scale scale_lanes(LogSplit c) { return {twice(c.hi), twice(c.lo), twice(c.hi + c.lo)}; }
+struct Constants {
+    Lanes t2, ln2, lg2e, lg2es, top26, t3;
+    Scale base2, base10;
+};
+constexpr Constants kConst = {
+    twice(T2),
+    {{lg2e, lg2es}},  // ln2: n times both halves at once in the scalar kernel
+    twice(lg2e),
+    twice(lg2es),
+    twice(std::bit_cast<double>(kTop26)),
+    twice(std::bit_cast<double>(T3)),
+    scale_lanes(log_inv_ln2),
+    scale_lanes(log_inv_ln10),
+};
+
+inline unsigned row_of(std::uint32_t hw) { return ((hw >> 15) & 31) + ((hw >> 19) & 1); }
 
 // ln x = S + lo.
 struct Parts {
     double S, lo;
 };
 
-inline Parts ln_parts(const Prep& p) {
-    const double r = p.y_minus_c;
-    const LogSplit& t = log_atbl[p.j];
-    const double a = p.dn * lg2e;
-    const double S1 = a + t.hi;
+// x in lane 0 of xv, hw its high word (from memory when the caller has it
+// there: the integer side then never waits for the vector unit).  n, y and
+// so r are formed in the vector unit: on i386 a 64-bit pattern built in a
+// register pair and moved over stalls on store forwarding.  r is exact
+// whichever way it is formed; every other operation is the one of the
+// scalar formula, two lanes at a time where the formula has two
+// independent ones of the same kind, so the bits do not depend on the
+// pairing.
+inline Parts ln_parts(__m128d xv, std::uint32_t hw, int n_offset) {
+    const Constants& k = opaque(kConst);
+    const __m128i w = _mm_castpd_si128(xv);
+    __m128i n32 = _mm_srai_epi32(_mm_sub_epi32(_mm_shuffle_epi32(w, _MM_SHUFFLE(1, 1, 1, 1)),
+                                               _mm_set1_epi32(static_cast<int>(kT1High))),
+                                 20);
+    const __m128i yb = _mm_sub_epi64(_mm_castpd_si128(_mm_and_pd(xv, lanes(k.t3))), _mm_slli_epi64(n32, 52));
+    if (n_offset != 0) n32 = _mm_add_epi32(n32, _mm_set1_epi32(n_offset));
+    const Row& t = kRows[row_of(hw)];
+    const __m128d r1 = _mm_sub_sd(_mm_castsi128_pd(yb), _mm_load_sd(&t.c));
+    const double r = _mm_cvtsd_f64(r1);
+    // (n lg2e, n lg2es) + (hi, lo) = (S1, n lg2es + lo) in one step.
+    const __m128d a2 = _mm_mul_pd(_mm_cvtepi32_pd(n32), lanes(k.ln2));
+    const __m128d s2 = _mm_add_pd(a2, _mm_load_pd(&t.hi));
+    const double a = _mm_cvtsd_f64(a2);
+    const double S1 = _mm_cvtsd_f64(s2);
     const double e1 = t.hi + (a - S1);
     const double S = S1 + r;
     const double e2 = r + (S1 - S);
-    const double L = (e1 + e2) + (p.dn * lg2es + t.lo);
-    const double* c = log_p[p.j].c;
-    const double r2 = r * r;
-    const double r4 = r2 * r2;
-    const double P = ((c[0] + c[1] * r) + r2 * (c[2] + c[3] * r)) + r4 * ((c[4] + c[5] * r) + r2 * (c[6] + c[7] * r));
+    const double L = (e1 + e2) + _mm_cvtsd_f64(_mm_unpackhi_pd(s2, s2));
+    const __m128d rr = _mm_unpacklo_pd(r1, r1);
+    const __m128d r2 = _mm_mul_pd(rr, rr);
+    const __m128d lo_hi = _mm_add_pd(_mm_add_pd(_mm_load_pd(t.p04), _mm_mul_pd(_mm_load_pd(t.p15), rr)),
+                                     _mm_mul_pd(r2, _mm_add_pd(_mm_load_pd(t.p26), _mm_mul_pd(_mm_load_pd(t.p37), rr))));
+    const __m128d r4 = _mm_mul_sd(r2, r2);
+    const double P = _mm_cvtsd_f64(_mm_add_sd(lo_hi, _mm_mul_sd(r4, _mm_unpackhi_pd(lo_hi, lo_hi))));
     return {S, P * r + L};
 }
 
 constexpr LogSplit scale_of(Base base) { return base == Base::two ? log_inv_ln2 : log_inv_ln10; }
 
+// Base 2 and 10: Sh (the top 26 bits of S, cut in the vector unit) times
+// the 27-bit C.hi is exact.
 template <Base base>
 inline double finish(Parts q) {
     if constexpr (base == Base::e) {
@@ -114,18 +168,23 @@ inline double finish(Parts q) {
     } else {
         constexpr LogSplit C = scale_of(base);
         constexpr double Cfull = C.hi + C.lo;
-        const double Sh = double_from_bits(bits_of(q.S) & kTop26);
+        const double Sh = _mm_cvtsd_f64(_mm_and_pd(_mm_set_sd(q.S), lanes(opaque(kConst).top26)));
         const double Sl = q.S - Sh;
         return Sh * C.hi + ((Sl * C.hi + q.S * C.lo) + q.lo * Cfull);
     }
 }
 
+inline std::uint32_t high_word(double x) { return static_cast<std::uint32_t>(bits_of(x) >> 32); }
+
 // Everything below the smallest normal: subnormals, zeros, negatives, NaN.
 template <Base base>
 [[gnu::cold, gnu::noinline]] double below_normal(double x) {
     for (;;) {
-        if (x >= T2) return finish<base>(ln_parts(prepare(x, 0)));
-        if (x > 0.0) return finish<base>(ln_parts(prepare(x * norm, -52)));
+        if (x >= T2) return finish<base>(ln_parts(_mm_set_sd(x), high_word(x), 0));
+        if (x > 0.0) {
+            const double xs = x * norm;
+            return finish<base>(ln_parts(_mm_set_sd(xs), high_word(xs), -52));
+        }
         const report::Verdict v = report::direct(245, x);
         if (v.retry) continue;
         if (x == 0.0) return v.ieee_results ? _MInf_D : double_from_bits(kNegHugeBits);
@@ -136,77 +195,71 @@ template <Base base>
 
 template <Base base>
 inline double scalar_log(const double* arg) {
-    const double x = *arg;
-    if (x >= T2) [[likely]]
-        return finish<base>(ln_parts(prepare(x, 0)));
+    const __m128d xv = _mm_load_sd(arg);
+    const double x = _mm_cvtsd_f64(xv);
+    if (x >= T2) [[likely]] {
+        std::uint32_t hw;
+        std::memcpy(&hw, reinterpret_cast<const unsigned char*>(arg) + 4, sizeof hw);
+        return finish<base>(ln_parts(xv, hw, 0));
+    }
     return below_normal<base>(x);
 }
 
-// Both lanes through the main path: the integer part per lane, the
-// arithmetic two lanes at a time, in the order of ln_parts and finish.
+// Both lanes through the main path: n, y and r in the vector unit, the
+// table rows by index, and the arithmetic two lanes at a time in the order
+// of ln_parts and finish.  The polynomial runs per lane on its row's pairs
+// as operands (cheaper than transposing eight coefficients per lane), the
+// two lanes' halves then joined.
 template <Base base>
 inline __m128d packed_log(__m128d x) {
-    if (_mm_movemask_pd(_mm_cmpge_pd(x, _mm_set1_pd(T2))) == 0) {
+    const Constants& k = opaque(kConst);
+    if (_mm_movemask_pd(_mm_cmpge_pd(x, lanes(k.t2))) == 0) {
         alignas(16) double lane[2];
         _mm_store_pd(lane, x);
         const double r0 = scalar_log<base>(&lane[0]);
         const double r1 = scalar_log<base>(&lane[1]);
         return _mm_set_pd(r1, r0);
     }
-    // prepare() on both lanes: n from the high words, y by integer
-    // subtraction, c_b by a mask from fraction bit 51; only the table
-    // indices leave the vector unit.
     const __m128i w = _mm_castpd_si128(x);
     const __m128i hw = _mm_shuffle_epi32(w, _MM_SHUFFLE(3, 1, 3, 1));  // high words, twice
     const __m128i n32 = _mm_srai_epi32(_mm_sub_epi32(hw, _mm_set1_epi32(static_cast<int>(kT1High))), 20);
     const __m128d dn = _mm_cvtepi32_pd(n32);
     const __m128i n64 = _mm_shuffle_epi32(n32, _MM_SHUFFLE(1, 1, 0, 0));
-    const __m128i yb = _mm_sub_epi64(_mm_and_si128(w, _mm_set1_epi64x(static_cast<long long>(T3))),
-                                     _mm_slli_epi64(n64, 52));
-    const __m128i bm = _mm_shuffle_epi32(_mm_srai_epi32(_mm_slli_epi64(w, 12), 31), _MM_SHUFFLE(3, 3, 1, 1));
-    const __m128d cb = _mm_or_pd(_mm_and_pd(_mm_castsi128_pd(bm), _mm_set1_pd(ctbl[1])),
-                                 _mm_andnot_pd(_mm_castsi128_pd(bm), _mm_set1_pd(ctbl[0])));
-    const __m128d r = _mm_sub_pd(_mm_castsi128_pd(yb), cb);
+    const __m128i yb = _mm_sub_epi64(_mm_castpd_si128(_mm_and_pd(x, lanes(k.t3))), _mm_slli_epi64(n64, 52));
     const auto h0 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(hw));
     const auto h1 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_shuffle_epi32(hw, _MM_SHUFFLE(1, 1, 1, 1))));
-    const unsigned j0 = ((h0 >> 15) & 31) + ((h0 >> 19) & 1);
-    const unsigned j1 = ((h1 >> 15) & 31) + ((h1 >> 19) & 1);
-    const __m128d t0 = _mm_loadu_pd(&log_atbl[j0].hi);
-    const __m128d t1 = _mm_loadu_pd(&log_atbl[j1].hi);
-    const __m128d thi = _mm_unpacklo_pd(t0, t1);
-    const __m128d tlo = _mm_unpackhi_pd(t0, t1);
-    const __m128d a = _mm_mul_pd(dn, _mm_set1_pd(lg2e));
+    const Row& t0 = kRows[row_of(h0)];
+    const Row& t1 = kRows[row_of(h1)];
+    const __m128d r = _mm_sub_pd(_mm_castsi128_pd(yb), _mm_loadh_pd(_mm_load_sd(&t0.c), &t1.c));
+    const __m128d ln0 = _mm_load_pd(&t0.hi);
+    const __m128d ln1 = _mm_load_pd(&t1.hi);
+    const __m128d thi = _mm_unpacklo_pd(ln0, ln1);
+    const __m128d tlo = _mm_unpackhi_pd(ln0, ln1);
+    const __m128d a = _mm_mul_pd(dn, lanes(k.lg2e));
     const __m128d S1 = _mm_add_pd(a, thi);
     const __m128d e1 = _mm_add_pd(thi, _mm_sub_pd(a, S1));
     const __m128d S = _mm_add_pd(S1, r);
     const __m128d e2 = _mm_add_pd(r, _mm_sub_pd(S1, S));
-    const __m128d L = _mm_add_pd(_mm_add_pd(e1, e2), _mm_add_pd(_mm_mul_pd(dn, _mm_set1_pd(lg2es)), tlo));
-    __m128d c[8];
-    for (int k = 0; k < 8; k += 2) {
-        const __m128d a0 = _mm_loadu_pd(&log_p[j0].c[k]);
-        const __m128d a1 = _mm_loadu_pd(&log_p[j1].c[k]);
-        c[k] = _mm_unpacklo_pd(a0, a1);
-        c[k + 1] = _mm_unpackhi_pd(a0, a1);
-    }
+    const __m128d L = _mm_add_pd(_mm_add_pd(e1, e2), _mm_add_pd(_mm_mul_pd(dn, lanes(k.lg2es)), tlo));
     const __m128d r2 = _mm_mul_pd(r, r);
+    const auto halves = [](const Row& t, __m128d rr, __m128d rr2) {
+        return _mm_add_pd(_mm_add_pd(_mm_load_pd(t.p04), _mm_mul_pd(_mm_load_pd(t.p15), rr)),
+                          _mm_mul_pd(rr2, _mm_add_pd(_mm_load_pd(t.p26), _mm_mul_pd(_mm_load_pd(t.p37), rr))));
+    };
+    const __m128d h0v = halves(t0, _mm_unpacklo_pd(r, r), _mm_unpacklo_pd(r2, r2));
+    const __m128d h1v = halves(t1, _mm_unpackhi_pd(r, r), _mm_unpackhi_pd(r2, r2));
     const __m128d r4 = _mm_mul_pd(r2, r2);
-    const __m128d lo01 = _mm_add_pd(c[0], _mm_mul_pd(c[1], r));
-    const __m128d lo23 = _mm_add_pd(c[2], _mm_mul_pd(c[3], r));
-    const __m128d hi45 = _mm_add_pd(c[4], _mm_mul_pd(c[5], r));
-    const __m128d hi67 = _mm_add_pd(c[6], _mm_mul_pd(c[7], r));
-    const __m128d P = _mm_add_pd(_mm_add_pd(lo01, _mm_mul_pd(r2, lo23)),
-                                 _mm_mul_pd(r4, _mm_add_pd(hi45, _mm_mul_pd(r2, hi67))));
+    const __m128d P = _mm_add_pd(_mm_unpacklo_pd(h0v, h1v), _mm_mul_pd(r4, _mm_unpackhi_pd(h0v, h1v)));
     const __m128d lo = _mm_add_pd(_mm_mul_pd(P, r), L);
     if constexpr (base == Base::e) {
         return _mm_add_pd(S, lo);
     } else {
-        constexpr LogSplit C = scale_of(base);
-        constexpr double Cfull = C.hi + C.lo;
-        const __m128d Sh = _mm_and_pd(S, _mm_castsi128_pd(_mm_set1_epi64x(static_cast<long long>(kTop26))));
+        const Scale& C = base == Base::two ? k.base2 : k.base10;
+        const __m128d Ch = lanes(C.hi);
+        const __m128d Sh = _mm_and_pd(S, lanes(k.top26));
         const __m128d Sl = _mm_sub_pd(S, Sh);
-        const __m128d Ch = _mm_set1_pd(C.hi);
-        const __m128d tail = _mm_add_pd(_mm_add_pd(_mm_mul_pd(Sl, Ch), _mm_mul_pd(S, _mm_set1_pd(C.lo))),
-                                        _mm_mul_pd(lo, _mm_set1_pd(Cfull)));
+        const __m128d tail = _mm_add_pd(_mm_add_pd(_mm_mul_pd(Sl, Ch), _mm_mul_pd(S, lanes(C.lo))),
+                                        _mm_mul_pd(lo, lanes(C.full)));
         return _mm_add_pd(_mm_mul_pd(Sh, Ch), tail);
     }
 }
