@@ -62,96 +62,145 @@ constexpr std::uint64_t T3 = 0x7FF07FFFFFFFFFFFu;         // exponent and low 47
 constexpr double lg2e = 0x1.62e42fefa3p-1;                // ln 2, high part: n*lg2e exact
 constexpr double lg2es = 0x1.3de6af278ece6p-42;           // ln 2, low part
 constexpr double norm = 0x1p+52;                          // scales subnormals up
-constexpr double ctbl[2] = {1.0, 0x1.08p-1};              // 1, 33/64
+constexpr double ctbl[2] = {1.0, 0x1.08p-1};              // c_b: 1, 33/64
 constexpr std::uint32_t kT1High = 0x3FE80000u;            // high word of T1
+constexpr std::uint32_t kT2High = 0x00100000u;            // high word of T2
+constexpr std::uint32_t kInfHigh = 0x7FF00000u;           // high word of +Inf
 constexpr std::uint64_t kNegHugeBits = 0xFFEFFFFFFFFFFFB6u;
 constexpr std::uint64_t kTop26 = ~((std::uint64_t{1} << 27) - 1);
 static_assert(std::bit_cast<std::uint64_t>(T1) >> 32 == kT1High);
+static_assert(std::bit_cast<std::uint64_t>(T2) == std::uint64_t{kT2High} << 32);
 
 enum class Base { e, two, ten };
 
-// One row per interval j, in the order the kernel reads it: ln c_j, the c
-// that r is measured from (1 or 33/64), and p0..p7 paired as (p0, p4),
-// (p1, p5), (p2, p6), (p3, p7), so that the two halves of the Estrin scheme,
-// p0 + p1 r + r2 (p2 + p3 r) and p4 + p5 r + r2 (p6 + p7 r), are evaluated
-// together in one register, each pair an aligned operand.  Built at compile
-// time from the generated tables; same values, so the same bits.
-struct alignas(16) Row {
-    double hi, lo;
-    double c, unused;
+// The tables in the order the kernel reads them, indexed by f5 (the top five
+// fraction bits) rather than j = f5 + b, so that each byte offset is two
+// integer operations on the high word: row f5 is interval f5 + (f5 >> 4)
+// (interval 16 is never used).  kPoly[f5], one 64-byte line, holds p0..p7
+// paired (p0,p4) (p1,p5) (p2,p6) (p3,p7), so that the two halves of the
+// Estrin scheme, p0 + p1 r + r2 (p2 + p3 r) and p4 + p5 r + r2 (p6 + p7 r),
+// run together in one register with each pair an aligned operand; kLn[f5]
+// is ln c_j and the c_b that r is measured from (1 or 33/64).  Built at
+// compile time from the generated tables: same values, so the same bits.
+struct alignas(64) PolyRow {
     double p04[2], p15[2], p26[2], p37[2];
 };
+struct alignas(32) LnRow {
+    double hi, lo, c, unused;
+};
+constexpr unsigned interval_of(unsigned f5) { return f5 + (f5 >> 4); }
 
-consteval std::array<Row, 33> make_rows() {
-    std::array<Row, 33> rows{};
-    for (int j = 0; j < 33; ++j) {
-        const double* p = log_p[j].c;
-        rows[j] = Row{log_atbl[j].hi, log_atbl[j].lo, j < 16 ? ctbl[0] : ctbl[1], 0.0,
-                      {p[0], p[4]}, {p[1], p[5]}, {p[2], p[6]}, {p[3], p[7]}};
+consteval std::array<PolyRow, 32> make_poly() {
+    std::array<PolyRow, 32> rows{};
+    for (unsigned f5 = 0; f5 < 32; ++f5) {
+        const double* p = log_p[interval_of(f5)].c;
+        rows[f5] = PolyRow{{p[0], p[4]}, {p[1], p[5]}, {p[2], p[6]}, {p[3], p[7]}};
     }
     return rows;
 }
-constexpr std::array<Row, 33> kRows = make_rows();
+consteval std::array<LnRow, 32> make_ln() {
+    std::array<LnRow, 32> rows{};
+    for (unsigned f5 = 0; f5 < 32; ++f5) {
+        const LogSplit& t = log_atbl[interval_of(f5)];
+        rows[f5] = LnRow{t.hi, t.lo, ctbl[f5 >> 4], 0.0};
+    }
+    return rows;
+}
+constexpr std::array<PolyRow, 32> kPoly = make_poly();
+constexpr std::array<LnRow, 32> kLn = make_ln();
+
+// Rows of f5 from the high word hw (of either lane: the shifts keep the
+// bits of one 32-bit word).
+inline const PolyRow& poly_row(std::uint32_t hw) {
+    return *reinterpret_cast<const PolyRow*>(reinterpret_cast<const char*>(kPoly.data()) + ((hw >> 9) & 0x7C0u));
+}
+inline const LnRow& ln_row(std::uint32_t hw) {
+    return *reinterpret_cast<const LnRow*>(reinterpret_cast<const char*>(kLn.data()) + ((hw >> 10) & 0x3E0u));
+}
 
 // Pairs read as packed operands (see lanes.h).
 struct Scale {
     Lanes hi, lo, full;
 };
 constexpr Scale scale_lanes(LogSplit c) { return {twice(c.hi), twice(c.lo), twice(c.hi + c.lo)}; }
+constexpr double from_bits(std::uint64_t b) { return std::bit_cast<double>(b); }
 struct Constants {
-    Lanes t2, ln2, lg2e, lg2es, top26, t3;
+    Lanes t2, lg2e, lg2es, top26, t3, t1, expo, fb51, one;
     Scale base2, base10;
 };
 constexpr Constants kConst = {
     twice(T2),
-    {{lg2e, lg2es}},  // ln2: n times both halves at once in the scalar kernel
     twice(lg2e),
     twice(lg2es),
-    twice(std::bit_cast<double>(kTop26)),
-    twice(std::bit_cast<double>(T3)),
+    twice(from_bits(kTop26)),
+    twice(from_bits(T3)),
+    twice(T1),
+    twice(from_bits(0xFFF0000000000000u)),
+    twice(from_bits(std::uint64_t{1} << 51)),
+    twice(1.0),
     scale_lanes(log_inv_ln2),
     scale_lanes(log_inv_ln10),
 };
-
-inline unsigned row_of(std::uint32_t hw) { return ((hw >> 15) & 31) + ((hw >> 19) & 1); }
 
 // ln x = S + lo.
 struct Parts {
     double S, lo;
 };
 
-// x in lane 0 of xv, hw its high word (from memory when the caller has it
-// there: the integer side then never waits for the vector unit).  n, y and
-// so r are formed in the vector unit: on i386 a 64-bit pattern built in a
-// register pair and moved over stalls on store forwarding.  r is exact
-// whichever way it is formed; every other operation is the one of the
-// scalar formula, two lanes at a time where the formula has two
-// independent ones of the same kind, so the bits do not depend on the
-// pairing.
+// y of each lane of x in the vector unit (on i386 a 64-bit pattern built in
+// a register pair and moved over stalls on store forwarding), the same for
+// every pattern, as the packed form needs for its unchecked lanes:
+// n << 52 = (x - T1's pattern) & 0xFFF0...0, since the high word of that
+// 64-bit difference is hw - 0x3FE80000 (nothing borrows from the low word)
+// and n << 52 keeps just its top twelve bits, as the mask does.
+inline __m128i y_bits(__m128d x, const Constants& k) {
+    const __m128i nsh = _mm_and_si128(_mm_sub_epi64(_mm_castpd_si128(x), _mm_castpd_si128(lanes(k.t1))),
+                                      _mm_castpd_si128(lanes(k.expo)));
+    return _mm_sub_epi64(_mm_castpd_si128(_mm_and_pd(x, lanes(k.t3))), nsh);
+}
+
+// r = y - c_b of both lanes, c_b = 1 - (b << 52) + (b << 47) formed from
+// bit 51 (1.0 for b = 0, 33/64 for b = 1): five integer operations, which
+// the packed form runs faster than two loads from the rows; r is exact
+// either way.
+inline __m128d reduced(__m128d x, const Constants& k) {
+    const __m128i w = _mm_castpd_si128(x);
+    const __m128i y = y_bits(x, k);
+    const __m128i bit = _mm_and_si128(w, _mm_castpd_si128(lanes(k.fb51)));
+    const __m128i c = _mm_add_epi64(_mm_sub_epi64(_mm_castpd_si128(lanes(k.one)), _mm_slli_epi64(bit, 1)),
+                                    _mm_srli_epi64(bit, 4));
+    return _mm_sub_pd(_mm_castsi128_pd(y), _mm_castsi128_pd(c));
+}
+
+// n of each lane's high word (lanes 1 and 3 of x's words), as doubles.
+inline __m128d exponent_n(__m128i hw2) {
+    return _mm_cvtepi32_pd(_mm_srai_epi32(_mm_sub_epi32(hw2, _mm_set1_epi32(static_cast<int>(kT1High))), 20));
+}
+
+// x in lane 0 of xv, hw its high word (read from memory when the caller
+// has it there: the row addresses then never wait for the vector unit).  n
+// is formed and converted on the integer side (one cvtsi2sd costs fewer
+// vector operations than forming it from x's lanes), y in the vector unit,
+// c_b from the row.  The polynomial's two Estrin halves run as pairs; each
+// operation is the one of the scalar formula, so the bits do not depend on
+// the pairing.
 inline Parts ln_parts(__m128d xv, std::uint32_t hw, int n_offset) {
     const Constants& k = opaque(kConst);
-    const __m128i w = _mm_castpd_si128(xv);
-    __m128i n32 = _mm_srai_epi32(_mm_sub_epi32(_mm_shuffle_epi32(w, _MM_SHUFFLE(1, 1, 1, 1)),
-                                               _mm_set1_epi32(static_cast<int>(kT1High))),
-                                 20);
-    const __m128i yb = _mm_sub_epi64(_mm_castpd_si128(_mm_and_pd(xv, lanes(k.t3))), _mm_slli_epi64(n32, 52));
-    if (n_offset != 0) n32 = _mm_add_epi32(n32, _mm_set1_epi32(n_offset));
-    const Row& t = kRows[row_of(hw)];
-    const __m128d r1 = _mm_sub_sd(_mm_castsi128_pd(yb), _mm_load_sd(&t.c));
+    const LnRow& t = ln_row(hw);
+    const PolyRow& c = poly_row(hw);
+    const __m128d r1 = _mm_sub_sd(_mm_castsi128_pd(y_bits(xv, k)), _mm_load_sd(&t.c));
     const double r = _mm_cvtsd_f64(r1);
-    // (n lg2e, n lg2es) + (hi, lo) = (S1, n lg2es + lo) in one step.
-    const __m128d a2 = _mm_mul_pd(_mm_cvtepi32_pd(n32), lanes(k.ln2));
-    const __m128d s2 = _mm_add_pd(a2, _mm_load_pd(&t.hi));
-    const double a = _mm_cvtsd_f64(a2);
-    const double S1 = _mm_cvtsd_f64(s2);
+    const double dn = static_cast<double>((static_cast<std::int32_t>(hw - kT1High) >> 20) + n_offset);
+    const double a = dn * lg2e;
+    const double S1 = a + t.hi;
     const double e1 = t.hi + (a - S1);
     const double S = S1 + r;
     const double e2 = r + (S1 - S);
-    const double L = (e1 + e2) + _mm_cvtsd_f64(_mm_unpackhi_pd(s2, s2));
+    const double L = (e1 + e2) + (dn * lg2es + t.lo);
     const __m128d rr = _mm_unpacklo_pd(r1, r1);
     const __m128d r2 = _mm_mul_pd(rr, rr);
-    const __m128d lo_hi = _mm_add_pd(_mm_add_pd(_mm_load_pd(t.p04), _mm_mul_pd(_mm_load_pd(t.p15), rr)),
-                                     _mm_mul_pd(r2, _mm_add_pd(_mm_load_pd(t.p26), _mm_mul_pd(_mm_load_pd(t.p37), rr))));
+    const __m128d lo_hi = _mm_add_pd(_mm_add_pd(_mm_load_pd(c.p04), _mm_mul_pd(_mm_load_pd(c.p15), rr)),
+                                     _mm_mul_pd(r2, _mm_add_pd(_mm_load_pd(c.p26), _mm_mul_pd(_mm_load_pd(c.p37), rr))));
     const __m128d r4 = _mm_mul_sd(r2, r2);
     const double P = _mm_cvtsd_f64(_mm_add_sd(lo_hi, _mm_mul_sd(r4, _mm_unpackhi_pd(lo_hi, lo_hi))));
     return {S, P * r + L};
@@ -195,14 +244,14 @@ template <Base base>
 
 template <Base base>
 inline double scalar_log(const double* arg) {
-    const __m128d xv = _mm_load_sd(arg);
-    const double x = _mm_cvtsd_f64(xv);
-    if (x >= T2) [[likely]] {
-        std::uint32_t hw;
-        std::memcpy(&hw, reinterpret_cast<const unsigned char*>(arg) + 4, sizeof hw);
-        return finish<base>(ln_parts(xv, hw, 0));
-    }
-    return below_normal<base>(x);
+    // x >= 2^-1022 tested on the high word, on the integer side: positive,
+    // normal and finite.  +Inf fails it here and takes the main path from
+    // below_normal, whose first test is x >= T2 itself.
+    std::uint32_t hw;
+    std::memcpy(&hw, reinterpret_cast<const unsigned char*>(arg) + 4, sizeof hw);
+    if (hw - kT2High < kInfHigh - kT2High) [[likely]]
+        return finish<base>(ln_parts(_mm_load_sd(arg), hw, 0));
+    return below_normal<base>(*arg);
 }
 
 // Both lanes through the main path: n, y and r in the vector unit, the
@@ -220,19 +269,15 @@ inline __m128d packed_log(__m128d x) {
         const double r1 = scalar_log<base>(&lane[1]);
         return _mm_set_pd(r1, r0);
     }
-    const __m128i w = _mm_castpd_si128(x);
-    const __m128i hw = _mm_shuffle_epi32(w, _MM_SHUFFLE(3, 1, 3, 1));  // high words, twice
-    const __m128i n32 = _mm_srai_epi32(_mm_sub_epi32(hw, _mm_set1_epi32(static_cast<int>(kT1High))), 20);
-    const __m128d dn = _mm_cvtepi32_pd(n32);
-    const __m128i n64 = _mm_shuffle_epi32(n32, _MM_SHUFFLE(1, 1, 0, 0));
-    const __m128i yb = _mm_sub_epi64(_mm_castpd_si128(_mm_and_pd(x, lanes(k.t3))), _mm_slli_epi64(n64, 52));
+    const __m128i hw = _mm_shuffle_epi32(_mm_castpd_si128(x), _MM_SHUFFLE(3, 1, 3, 1));  // high words, twice
+    const __m128d dn = exponent_n(hw);
+    const __m128d r = reduced(x, k);
     const auto h0 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(hw));
     const auto h1 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_shuffle_epi32(hw, _MM_SHUFFLE(1, 1, 1, 1))));
-    const Row& t0 = kRows[row_of(h0)];
-    const Row& t1 = kRows[row_of(h1)];
-    const __m128d r = _mm_sub_pd(_mm_castsi128_pd(yb), _mm_loadh_pd(_mm_load_sd(&t0.c), &t1.c));
-    const __m128d ln0 = _mm_load_pd(&t0.hi);
-    const __m128d ln1 = _mm_load_pd(&t1.hi);
+    const PolyRow& t0 = poly_row(h0);
+    const PolyRow& t1 = poly_row(h1);
+    const __m128d ln0 = _mm_load_pd(&ln_row(h0).hi);
+    const __m128d ln1 = _mm_load_pd(&ln_row(h1).hi);
     const __m128d thi = _mm_unpacklo_pd(ln0, ln1);
     const __m128d tlo = _mm_unpackhi_pd(ln0, ln1);
     const __m128d a = _mm_mul_pd(dn, lanes(k.lg2e));
@@ -242,7 +287,7 @@ inline __m128d packed_log(__m128d x) {
     const __m128d e2 = _mm_add_pd(r, _mm_sub_pd(S1, S));
     const __m128d L = _mm_add_pd(_mm_add_pd(e1, e2), _mm_add_pd(_mm_mul_pd(dn, lanes(k.lg2es)), tlo));
     const __m128d r2 = _mm_mul_pd(r, r);
-    const auto halves = [](const Row& t, __m128d rr, __m128d rr2) {
+    const auto halves = [](const PolyRow& t, __m128d rr, __m128d rr2) {
         return _mm_add_pd(_mm_add_pd(_mm_load_pd(t.p04), _mm_mul_pd(_mm_load_pd(t.p15), rr)),
                           _mm_mul_pd(rr2, _mm_add_pd(_mm_load_pd(t.p26), _mm_mul_pd(_mm_load_pd(t.p37), rr))));
     };
