@@ -50,13 +50,15 @@ inline constexpr LogSplit log_atbl[33] = {
 
 // p[j]: ln(1 + r/c_j) ~ r + r*(p0 + p1 r + ... + p7 r^7) on r in [0, 1/32]
 // (j < 16) or [-1/64, 0] (j >= 16).  p0 = 1/c_j - 1 rounded to nearest, the
-// rest fitted to the absolute error of the bracket (bound per row).
+// rest fitted to the absolute error of the bracket (bound per row), except
+// row 0 and p1 of rows 1 and 17, which keep their long-standing values (see
+// exp_log.sollya).
 struct LogRow {
     double c[8];
 };
 inline constexpr LogRow log_p[33] = {
-    {{0, -0x1.fffffffffff76p-2, 0x1.5555555539b24p-2, -0x1.ffffffc415d4fp-3, 0x1.99997ac80649ep-3, -0x1.554cd6a52ced8p-3, 0x1.234773426f10dp-3, -0x1.cb420c2544739p-4}},  // 0: |P - g| < 2^-58
-    {{-0x1.f07c1f07c1f08p-6, -0x1.e1709a36115d7p-2, 0x1.373bdd3a22dfcp-2, -0x1.c4b42a5355b0dp-3, 0x1.5f3021a380d73p-3, -0x1.1bc34cb3705dcp-3, 0x1.d5c47e99e7274p-4, -0x1.6809cc6054692p-4}},  // 1: |P - g| < 2^-58
+    {{0, -0x1.fffffffffff35p-2, 0x1.5555555534013p-2, -0x1.ffffffbd2344ap-3, 0x1.9999789f381a7p-3, -0x1.554c7b0b49e92p-3, 0x1.233fbe133cddfp-3, -0x1.cabd7a7c20fd1p-4}},  // 0: |P - g| < 2^-57
+    {{-0x1.f07c1f07c1f08p-6, -0x1.e1709a36115bbp-2, 0x1.373bdd3a1e2a2p-2, -0x1.c4b42a4b015bbp-3, 0x1.5f301e4987ca1p-3, -0x1.1bc29fa4a2d4p-3, 0x1.d5a264e00ac24p-4, -0x1.66bb82040f731p-4}},  // 1: |P - g| < 2^-58
     {{-0x1.e1e1e1e1e1e1ep-5, -0x1.c5894d10d494bp-2, 0x1.1c92628d03d12p-2, -0x1.91bf9a101d134p-3, 0x1.2e7e20a6656a9p-3, -0x1.da760973c88c3p-4, 0x1.7d4e398a121e5p-4, -0x1.1cbfdc7091c09p-4}},  // 2: |P - g| < 2^-58
     {{-0x1.5f15f15f15f16p-4, -0x1.abfd7e03c2f54p-2, 0x1.04dec6b6a80a5p-2, -0x1.65c3ce944e43fp-3, 0x1.05ade1deeb2dep-3, -0x1.8eb80a020efffp-4, 0x1.374f00074d2bcp-4, -0x1.c450b226e49fp-5}},  // 3: |P - g| < 2^-59
     {{-0x1.c71c71c71c71cp-4, -0x1.948b0fcd6eb19p-2, 0x1.df75681030b51p-3, -0x1.3fa39ae196ca4p-3, 0x1.c69921dcb326ap-4, -0x1.50bf920fd317p-4, 0x1.0067e63086fa3p-4, -0x1.77d1444a13ab3p-5}},  // 4: |P - g| < 2^-57
@@ -72,7 +74,7 @@ inline constexpr LogRow log_p[33] = {
     {{-0x1.37a6f4de9bd38p-2, -0x1.ef8bdb389e32p-3, 0x1.cba31cf34cc5ep-4, -0x1.df9f0fdb6ad9fp-5, 0x1.0aea4a464d8aap-5, -0x1.350b0a2854f93p-6, 0x1.5cc243eafa579p-7, -0x1.df662daf1e7f8p-11}},  // 14: |P - g| < 2^-55
     {{-0x1.46cefa8d9df52p-2, -0x1.daaefe42fb7c8p-3, 0x1.aeeb1d47ae6dap-4, -0x1.b8163bd378fabp-5, 0x1.df67f2e7b6fbap-6, -0x1.0fa40a47acbep-6, 0x1.2c1f309076d1ep-7, -0x1.6f343ef39f7cep-11}},  // 15: |P - g| < 2^-55
     {{0x1.5555555555555p-2, -0x1.c71c71c71cb37p-1, 0x1.948b0fcc6683ap-1, -0x1.948b115c3a04dp-1, 0x1.af8224a9481b2p-1, -0x1.dfe03ab1244dbp-1, 0x1.0803e0419e415p0, -0x1.0180393ad713ep1}},  // 16: |P - g| < 2^-55
-    {{0x1.397829cbc14e6p-2, -0x1.b4b985cf97d81p-1, 0x1.7c46fc5a91e32p-1, -0x1.74843a948c714p-1, 0x1.853e449e66a35p-1, -0x1.a787da5829dfap-1, 0x1.e01ed654c01f2p-1, -0x1.c9b16b074b53dp-1}},  // 17: |P - g| < 2^-57
+    {{0x1.397829cbc14e6p-2, -0x1.b4b985cf97f07p-1, 0x1.7c46fc5a13fc6p-1, -0x1.74843b673d181p-1, 0x1.853da478f423p-1, -0x1.a7c4ff27af8a7p-1, 0x1.d4ae7fd203005p-1, -0x1.4fad60b3dc198p0}},  // 17: |P - g| < 2^-57
     {{0x1.1eb851eb851ecp-2, -0x1.a36e2eb1c3d4fp-1, 0x1.65e9f8109f863p-1, -0x1.5798ebf34515cp-1, 0x1.5fd98c2a9f0a6p-1, -0x1.76bbd4781268dp-1, 0x1.b5c4cc3ad7b96p-1, -0x1.e8964f361be1p-8}},  // 18: |P - g| < 2^-55
     {{0x1.050505050505p-2, -0x1.9324b647d9a8bp-1, 0x1.5145326d567d9p-1, -0x1.3d6e4f0a04e86p-1, 0x1.3eabeea4d4fc1p-1, -0x1.4da483498dc2p-1, 0x1.54286cd15a0fep-1, -0x1.73c6cfc565069p0}},  // 19: |P - g| < 2^-55
     {{0x1.d89d89d89d89ep-3, -0x1.83c977ab2bc0cp-1, 0x1.3e2f271d8f6abp-1, -0x1.25b55e223ef1ep-1, 0x1.21315afd628cdp-1, -0x1.2855d2bb6440fp-1, 0x1.453755449ec16p-1, -0x1.f2808168f47b7p-3}},  // 20: |P - g| < 2^-56

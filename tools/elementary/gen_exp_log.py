@@ -36,9 +36,40 @@ def tables(exe, which):
     return run([exe, which]).rstrip("\n")
 
 
+# The coefficients of table p that exp_log.sollya keeps instead of fitting
+# (row: {index: value}), as the decimal strings whose nearest doubles they
+# are, and the bounds row 0 must meet: |P - (ln(1 + r) - r)/r| on
+# [2^-20, 1/32] and |r P - (ln(1 + r) - r)| on [0, 1/32].
+PINNED = {
+    0: dict(enumerate(["0", "-0.49999999999998873", "0.33333333332575527", "-0.24999999805405287",
+                       "0.1999997542943792", "-0.16664978149605197", "0.14221142288407315",
+                       "-0.11199710698752986"])),
+    1: {0: "-0.030303030303030304", 1: "-0.47015610651973433"},
+    17: {0: "0.30612244897959184", 1: "-0.8529779258642244"},
+}
+ROW0_REL_BOUND = 2.0**-57
+ROW0_ABS_BOUND = 2.0**-62
+
+
+def row_coeffs(line):
+    body = line[line.index("{{") + 2:line.index("}}")]
+    return [float.fromhex(v) if v.strip() != "0" else 0.0 for v in body.split(",")]
+
+
+def check_pinned(rows, row0_bounds):
+    for j, coeffs in PINNED.items():
+        got = row_coeffs(rows[j])
+        for i, text in coeffs.items():
+            if got[i] != float(text):
+                raise SystemExit(f"log_p[{j}].c[{i}] is {got[i]!r}, not {text}")
+    rel, ab = row0_bounds
+    if not (rel < ROW0_REL_BOUND and ab < ROW0_ABS_BOUND):
+        raise SystemExit(f"row 0 of log_p misses its bounds: {rel.hex()} {ab.hex()}")
+
+
 def sollya():
     out = run(["sollya", str(HERE / "exp_log.sollya")])
-    rows, expf, logf = [], None, None
+    rows, expf, logf, row0 = [], None, None, None
     for line in out.splitlines():
         if line.startswith("    {{"):
             rows.append(line)
@@ -46,8 +77,11 @@ def sollya():
             expf = line.split()[1:]
         elif line.startswith("LOGF "):
             logf = line.split()[1:]
-    if len(rows) != 33 or expf is None or logf is None:
+        elif line.startswith("ROW0 "):
+            row0 = [float.fromhex(v) for v in line.split()[1:]]
+    if len(rows) != 33 or expf is None or logf is None or row0 is None or "error" in out:
         raise SystemExit("unexpected output from exp_log.sollya:\n" + out)
+    check_pinned(rows, row0)
     return rows, expf, logf
 
 
@@ -107,7 +141,9 @@ inline constexpr LogSplit log_atbl[33] = {{
 
 // p[j]: ln(1 + r/c_j) ~ r + r*(p0 + p1 r + ... + p7 r^7) on r in [0, 1/32]
 // (j < 16) or [-1/64, 0] (j >= 16).  p0 = 1/c_j - 1 rounded to nearest, the
-// rest fitted to the absolute error of the bracket (bound per row).
+// rest fitted to the absolute error of the bracket (bound per row), except
+// row 0 and p1 of rows 1 and 17, which keep their long-standing values (see
+// exp_log.sollya).
 struct LogRow {{
     double c[8];
 }};
