@@ -123,6 +123,155 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     return detail::round_and_pack(sign, e, hi, lo, ext, out);
 }
 
+#if !defined(__x86_64__)
+// The 32-bit targets: the first attempt on 32-bit words, read straight from
+// the operands and written straight to the result (the compiler's
+// register-pair code for the 64-bit halves spills most of its values).
+// The common case -- exponents less than 64 apart, at most one bit
+// cancelled -- is exact in six words (four of significand, the guard word
+// and one below it) and runs without a data-dependent branch: half of all
+// sums are effective subtractions and half of the operand pairs are
+// exchanged, unpredictably.  Everything else, rare, goes to add_nonzero,
+// which gives the same bits.
+[[gnu::noinline]] Status add_halves(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t flip,
+                                    std::uint32_t* out) {
+    Real16 q;
+    std::memcpy(&q, x, 16);
+    const Halves hx = detail::load(&q);
+    std::memcpy(&q, y, 16);
+    const Halves hy = detail::load(&q);
+    Halves r;
+    const Status s = add_nonzero(hx, hy, std::uint64_t{flip} << 32, &r);
+    if (s == Status::ok) {
+        detail::store(&q, r);
+        std::memcpy(out, &q, 16);
+    }
+    return s;
+}
+
+// x + y for non-zero tops on words, least significant first; `flip` (0 or
+// the sign bit) is applied to y's sign.  Nothing is written unless the sum
+// is in range; all operand words are read before.
+[[gnu::always_inline]] inline Status add_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t flip,
+                                               std::uint32_t* out) {
+    const std::uint32_t x3 = x[3], y3 = y[3] ^ flip;
+    // |y| > |x| as the borrow of |x| - |y|: y is then A.  The operands are
+    // exchanged by choosing pointers.
+    bool swap;
+    {
+        std::uint32_t t;
+        __asm__(
+            "movl %[x0], %[t]\n\t"
+            "subl %[y0], %[t]\n\t"
+            "movl %[x1], %[t]\n\t"
+            "sbbl %[y1], %[t]\n\t"
+            "movl %[x2], %[t]\n\t"
+            "sbbl %[y2], %[t]\n\t"
+            "movl %[x3], %[t]\n\t"
+            "sbbl %[y3], %[t]"
+            : [t] "=&r"(t), "=@ccc"(swap)
+            : [x0] "m"(x[0]), [x1] "m"(x[1]), [x2] "m"(x[2]), [x3] "rm"(x3 & 0x7FFFFFFFu), [y0] "m"(y[0]),
+              [y1] "m"(y[1]), [y2] "m"(y[2]), [y3] "rm"(y3 & 0x7FFFFFFFu));
+    }
+    const std::uint32_t swap_mask = 0u - static_cast<std::uint32_t>(swap);
+    const std::uintptr_t px = reinterpret_cast<std::uintptr_t>(x), py = reinterpret_cast<std::uintptr_t>(y);
+    const std::uint32_t* a = reinterpret_cast<const std::uint32_t*>(px ^ ((px ^ py) & swap_mask));
+    const std::uint32_t* b = reinterpret_cast<const std::uint32_t*>(py ^ ((px ^ py) & swap_mask));
+    const std::uint32_t sign = (x3 ^ ((x3 ^ y3) & swap_mask)) & kSignBit;
+    const std::uint32_t subtract = static_cast<std::uint32_t>(static_cast<std::int32_t>(x3 ^ y3) >> 31);
+    const std::uint32_t a3 = a[3], b3 = b[3];
+    const std::int32_t e = static_cast<std::int32_t>((a3 >> 16) & 0x7FFF);
+    const std::uint32_t d = static_cast<std::uint32_t>(e - static_cast<std::int32_t>((b3 >> 16) & 0x7FFF));
+    if (d >= 64) [[unlikely]]
+        return add_halves(x, y, flip, out);
+
+    // B shifted right by d, exactly: words from a frame of zeros, the word
+    // offset from memory, the bit offset with a double shift.
+    // (A zero the compiler cannot see keeps it from building the frame
+    // with 16-byte stores, which would realign the stack.)
+    std::uint32_t zero = 0;
+    __asm__("" : "+r"(zero));
+    const std::uint32_t frame[8] = {zero, zero, b[0], b[1], b[2], (b3 & 0xFFFF) | 0x10000, zero, zero};
+    const std::uint32_t* f = frame + (d >> 5);
+    const unsigned bit = d & 31;
+    // Plain shifts: a double shift by a variable count costs several times
+    // as much on some processors.  The upper word goes up in two steps, so
+    // that bit = 0 brings in nothing.
+    auto down = [bit](std::uint32_t lo, std::uint32_t hi) { return (lo >> bit) | ((hi << 1) << (31 - bit)); };
+    // A - B is A + ~B + 1: the words of B complemented for a subtraction.
+    std::uint32_t r0 = down(f[0], f[1]) ^ subtract, r1 = down(f[1], f[2]) ^ subtract;
+    std::uint32_t r2 = down(f[2], f[3]) ^ subtract, r3 = down(f[3], f[4]) ^ subtract;
+    std::uint32_t r4 = down(f[4], f[5]) ^ subtract, r5 = down(f[5], f[6]) ^ subtract;
+    __asm__(
+        "btl $0, %[m]\n\t"
+        "adcl $0, %[r0]\n\t"
+        "adcl $0, %[r1]\n\t"
+        "adcl %[a0], %[r2]\n\t"
+        "adcl %[a1], %[r3]\n\t"
+        "adcl %[a2], %[r4]\n\t"
+        "adcl %[a3], %[r5]"
+        : [r0] "+rm"(r0), [r1] "+rm"(r1), [r2] "+r"(r2), [r3] "+r"(r3), [r4] "+r"(r4), [r5] "+r"(r5)
+        : [m] "r"(subtract), [a0] "m"(a[0]), [a1] "m"(a[1]), [a2] "m"(a[2]), [a3] "rm"((a3 & 0xFFFF) | 0x10000)
+        : "cc");
+    // The sum is below 2^146 (top word below 2^18).  More than one bit
+    // cancelled: rare, to the general code.
+    if (r5 < 0x8000) [[unlikely]]
+        return add_halves(x, y, flip, out);
+    // Leading one to bit 16 of the top word: the six words doubled, then
+    // halved 0, 1 or 2 times.  Nothing is lost but the last bit of r0 when
+    // halving twice; it is kept with the word below the guard word.
+    const unsigned u = 16 - static_cast<unsigned>(__builtin_clz(r5));
+    const std::uint32_t lost = r0 & 1;
+    __asm__(
+        "shll $1, %[r0]\n\t"
+        "adcl %[r1], %[r1]\n\t"
+        "adcl %[r2], %[r2]\n\t"
+        "adcl %[r3], %[r3]\n\t"
+        "adcl %[r4], %[r4]\n\t"
+        "adcl %[r5], %[r5]\n\t"
+        "shrdl %%cl, %[r1], %[r0]\n\t"
+        "shrdl %%cl, %[r2], %[r1]\n\t"
+        "shrdl %%cl, %[r3], %[r2]\n\t"
+        "shrdl %%cl, %[r4], %[r3]\n\t"
+        "shrdl %%cl, %[r5], %[r4]\n\t"
+        "shrl %%cl, %[r5]"
+        : [r0] "+rm"(r0), [r1] "+r"(r1), [r2] "+r"(r2), [r3] "+r"(r3), [r4] "+r"(r4), [r5] "+r"(r5)
+        : "c"(u)
+        : "cc");
+    // To nearest, ties to even: guard word r1, sticky r0 and the lost bit.
+    const std::uint32_t up =
+        static_cast<std::uint32_t>(r1 > 0x80000000u) | (static_cast<std::uint32_t>(r1 == 0x80000000u) &
+                                                         (static_cast<std::uint32_t>((r0 | lost) != 0) | r2));
+    __asm__(
+        "addl %[up], %[s0]\n\t"
+        "adcl $0, %[s1]\n\t"
+        "adcl $0, %[s2]\n\t"
+        "adcl $0, %[s3]"
+        : [s0] "+r"(r2), [s1] "+r"(r3), [s2] "+r"(r4), [s3] "+r"(r5)
+        : [up] "rm"(up & 1)
+        : "cc");
+    std::int32_t e_out = e + static_cast<std::int32_t>(u) - 1;
+    if (r5 == 0x20000) [[unlikely]] {  // all fraction bits were ones
+        r5 = 0x10000;
+        ++e_out;
+    }
+    if (e_out <= 0) return Status::underflow;
+    if (e_out >= 0x7FFF) return Status::overflow;
+    // Word stores, kept apart: merged into one 16-byte store they cost
+    // moves to SSE here and a missed store forwarding in the next operation
+    // reading the result.
+    const std::uint32_t top = sign | (static_cast<std::uint32_t>(e_out) << 16) | (r5 & 0xFFFF);
+    __asm__(
+        "movl %[s0], %[o0]\n\t"
+        "movl %[s1], %[o1]\n\t"
+        "movl %[s2], %[o2]\n\t"
+        "movl %[s3], %[o3]"
+        : [o0] "=m"(out[0]), [o1] "=m"(out[1]), [o2] "=m"(out[2]), [o3] "=m"(out[3])
+        : [s0] "r"(r2), [s1] "r"(r3), [s2] "r"(r4), [s3] "r"(top));
+    return Status::ok;
+}
+#endif
+
 // One attempt of g_aqaq (flip 0) or g_aqsq (flip = sign bit), zero
 // shortcuts first, each operator in its own order.
 inline Status attempt(Halves x, Halves y, std::uint64_t flip, Halves* out) {
@@ -166,12 +315,33 @@ inline Status attempt(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     }
 }
 
-inline Real16* add_or_subtract(Real16* result, const Real16* a, const Real16* b, std::uint64_t flip) {
+[[gnu::always_inline]] inline Real16* add_or_subtract(Real16* result, const Real16* a, const Real16* b,
+                                                      std::uint64_t flip) {
+#if defined(__x86_64__)
     const Halves x = detail::load(a), y = detail::load(b);
     Halves r;
     const Status s = attempt(x, y, flip, &r);
     if (s != Status::ok) [[unlikely]] r = recover(s, x, y, flip);
     detail::store(result, r);
+#else
+    // The zero shortcuts on the top words, in the same order as attempt's;
+    // every word is read before the result, which may be an operand, is
+    // written.
+    const bool x_zero = (a->w[3] & 0x7FFFFFFFu) == 0, y_zero = (b->w[3] & 0x7FFFFFFFu) == 0;
+    if (x_zero || y_zero) [[unlikely]] {
+        const bool take_y = flip == 0 ? x_zero : !y_zero;
+        const Real16* from = take_y ? b : a;
+        const std::uint32_t w0 = from->w[0], w1 = from->w[1], w2 = from->w[2];
+        const std::uint32_t w3 = from->w[3] ^ (take_y ? static_cast<std::uint32_t>(flip >> 32) : 0u);
+        result->w[0] = w0;
+        result->w[1] = w1;
+        result->w[2] = w2;
+        result->w[3] = w3;
+        return result;
+    }
+    const Status s = add_words(a->w, b->w, static_cast<std::uint32_t>(flip >> 32), result->w);
+    if (s != Status::ok) [[unlikely]] detail::store(result, recover(s, detail::load(a), detail::load(b), flip));
+#endif
     return result;
 }
 
