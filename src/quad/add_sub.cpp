@@ -198,61 +198,62 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     // as much on some processors.  The upper word goes up in two steps, so
     // that bit = 0 brings in nothing.
     auto down = [bit](std::uint32_t lo, std::uint32_t hi) { return (lo >> bit) | ((hi << 1) << (31 - bit)); };
+    // Below the guard word only whether anything is non-zero matters: it
+    // is jammed into the guard word's last bit, which lies far enough below
+    // the rounding position even after a bit of cancellation.  (The frame's
+    // two lowest words are zero, so only f[1] can reach below.)
+    const std::uint32_t jam = ((f[1] << 1) << (31 - bit)) != 0;
     // A - B is A + ~B + 1: the words of B complemented for a subtraction.
-    std::uint32_t r0 = down(f[0], f[1]) ^ subtract, r1 = down(f[1], f[2]) ^ subtract;
-    std::uint32_t r2 = down(f[2], f[3]) ^ subtract, r3 = down(f[3], f[4]) ^ subtract;
-    std::uint32_t r4 = down(f[4], f[5]) ^ subtract, r5 = down(f[5], f[6]) ^ subtract;
+    std::uint32_t r0 = (down(f[1], f[2]) | jam) ^ subtract, r1 = down(f[2], f[3]) ^ subtract;
+    std::uint32_t r2 = down(f[3], f[4]) ^ subtract, r3 = down(f[4], f[5]) ^ subtract;
+    std::uint32_t r4 = down(f[5], f[6]) ^ subtract;
     __asm__(
         "btl $0, %[m]\n\t"
         "adcl $0, %[r0]\n\t"
-        "adcl $0, %[r1]\n\t"
-        "adcl %[a0], %[r2]\n\t"
-        "adcl %[a1], %[r3]\n\t"
-        "adcl %[a2], %[r4]\n\t"
-        "adcl %[a3], %[r5]"
-        : [r0] "+rm"(r0), [r1] "+rm"(r1), [r2] "+r"(r2), [r3] "+r"(r3), [r4] "+r"(r4), [r5] "+r"(r5)
+        "adcl %[a0], %[r1]\n\t"
+        "adcl %[a1], %[r2]\n\t"
+        "adcl %[a2], %[r3]\n\t"
+        "adcl %[a3], %[r4]"
+        : [r0] "+rm"(r0), [r1] "+r"(r1), [r2] "+r"(r2), [r3] "+r"(r3), [r4] "+r"(r4)
         : [m] "r"(subtract), [a0] "m"(a[0]), [a1] "m"(a[1]), [a2] "m"(a[2]), [a3] "rm"((a3 & 0xFFFF) | 0x10000)
         : "cc");
     // The sum is below 2^146 (top word below 2^18).  More than one bit
     // cancelled: rare, to the general code.
-    if (r5 < 0x8000) [[unlikely]]
+    if (r4 < 0x8000) [[unlikely]]
         return add_halves(x, y, flip, out);
-    // Leading one to bit 16 of the top word: the six words doubled, then
-    // halved 0, 1 or 2 times.  Nothing is lost but the last bit of r0 when
-    // halving twice; it is kept with the word below the guard word.
-    const unsigned u = 16 - static_cast<unsigned>(__builtin_clz(r5));
-    const std::uint32_t lost = r0 & 1;
+    // Leading one to bit 16 of the top word: the five words doubled, then
+    // halved 0, 1 or 2 times.  Only the jam bit can be lost, when halving
+    // twice; it then stays sticky.
+    const unsigned u = 16 - static_cast<unsigned>(__builtin_clz(r4));
+    const std::uint32_t lost = r0 & (u >> 1);
     __asm__(
         "shll $1, %[r0]\n\t"
         "adcl %[r1], %[r1]\n\t"
         "adcl %[r2], %[r2]\n\t"
         "adcl %[r3], %[r3]\n\t"
         "adcl %[r4], %[r4]\n\t"
-        "adcl %[r5], %[r5]\n\t"
         "shrdl %%cl, %[r1], %[r0]\n\t"
         "shrdl %%cl, %[r2], %[r1]\n\t"
         "shrdl %%cl, %[r3], %[r2]\n\t"
         "shrdl %%cl, %[r4], %[r3]\n\t"
-        "shrdl %%cl, %[r5], %[r4]\n\t"
-        "shrl %%cl, %[r5]"
-        : [r0] "+rm"(r0), [r1] "+r"(r1), [r2] "+r"(r2), [r3] "+r"(r3), [r4] "+r"(r4), [r5] "+r"(r5)
+        "shrl %%cl, %[r4]"
+        : [r0] "+rm"(r0), [r1] "+r"(r1), [r2] "+r"(r2), [r3] "+r"(r3), [r4] "+r"(r4)
         : "c"(u)
         : "cc");
-    // To nearest, ties to even: guard word r1, sticky r0 and the lost bit.
-    const std::uint32_t up =
-        static_cast<std::uint32_t>(r1 > 0x80000000u) | (static_cast<std::uint32_t>(r1 == 0x80000000u) &
-                                                         (static_cast<std::uint32_t>((r0 | lost) != 0) | r2));
+    // To nearest, ties to even: guard word r0, the lost bit sticky.
+    const std::uint32_t up = static_cast<std::uint32_t>(r0 > 0x80000000u) |
+                             (static_cast<std::uint32_t>(r0 == 0x80000000u) & (lost | r1));
     __asm__(
         "addl %[up], %[s0]\n\t"
         "adcl $0, %[s1]\n\t"
         "adcl $0, %[s2]\n\t"
         "adcl $0, %[s3]"
-        : [s0] "+r"(r2), [s1] "+r"(r3), [s2] "+r"(r4), [s3] "+r"(r5)
+        : [s0] "+r"(r1), [s1] "+r"(r2), [s2] "+r"(r3), [s3] "+r"(r4)
         : [up] "rm"(up & 1)
         : "cc");
     std::int32_t e_out = e + static_cast<std::int32_t>(u) - 1;
-    if (r5 == 0x20000) [[unlikely]] {  // all fraction bits were ones
-        r5 = 0x10000;
+    if (r4 == 0x20000) [[unlikely]] {  // all fraction bits were ones
+        r4 = 0x10000;
         ++e_out;
     }
     if (e_out <= 0) return Status::underflow;
@@ -260,14 +261,14 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     // Word stores, kept apart: merged into one 16-byte store they cost
     // moves to SSE here and a missed store forwarding in the next operation
     // reading the result.
-    const std::uint32_t top = sign | (static_cast<std::uint32_t>(e_out) << 16) | (r5 & 0xFFFF);
+    const std::uint32_t top = sign | (static_cast<std::uint32_t>(e_out) << 16) | (r4 & 0xFFFF);
     __asm__(
         "movl %[s0], %[o0]\n\t"
         "movl %[s1], %[o1]\n\t"
         "movl %[s2], %[o2]\n\t"
         "movl %[s3], %[o3]"
         : [o0] "=m"(out[0]), [o1] "=m"(out[1]), [o2] "=m"(out[2]), [o3] "=m"(out[3])
-        : [s0] "r"(r2), [s1] "r"(r3), [s2] "r"(r4), [s3] "r"(top));
+        : [s0] "r"(r1), [s1] "r"(r2), [s2] "r"(r3), [s3] "r"(top));
     return Status::ok;
 }
 #endif
