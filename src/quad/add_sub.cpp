@@ -131,28 +131,14 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
 // cancelled -- is exact in six words (four of significand, the guard word
 // and one below it) and runs without a data-dependent branch: half of all
 // sums are effective subtractions and half of the operand pairs are
-// exchanged, unpredictably.  Everything else, rare, goes to add_nonzero,
-// which gives the same bits.
-[[gnu::noinline]] Status add_halves(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t flip,
-                                    std::uint32_t* out) {
-    Real16 q;
-    std::memcpy(&q, x, 16);
-    const Halves hx = detail::load(&q);
-    std::memcpy(&q, y, 16);
-    const Halves hy = detail::load(&q);
-    Halves r;
-    const Status s = add_nonzero(hx, hy, std::uint64_t{flip} << 32, &r);
-    if (s == Status::ok) {
-        detail::store(&q, r);
-        std::memcpy(out, &q, 16);
-    }
-    return s;
-}
-
+// exchanged, unpredictably.  Everything else, rare, is done again from the
+// start by the general code, which gives the same bits.
 // x + y for non-zero tops on words, least significant first; `flip` (0 or
-// the sign bit) is applied to y's sign.  Nothing is written unless the sum
-// is in range; all operand words are read before.
-[[gnu::always_inline]] inline Status add_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t flip,
+// the sign bit) is applied to y's sign.  True when the sum is written; false,
+// with nothing written, for the cases left to the general code (exponents 64
+// or more apart, more than one bit cancelled, overflow, underflow).  All
+// operand words are read before the result is written.
+[[gnu::always_inline]] inline bool add_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t flip,
                                                std::uint32_t* out) {
     const std::uint32_t x3 = x[3], y3 = y[3] ^ flip;
     // |y| > |x| as the borrow of |x| - |y|: y is then A.  The operands are
@@ -183,7 +169,7 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     const std::int32_t e = static_cast<std::int32_t>((a3 >> 16) & 0x7FFF);
     const std::uint32_t d = static_cast<std::uint32_t>(e - static_cast<std::int32_t>((b3 >> 16) & 0x7FFF));
     if (d >= 64) [[unlikely]]
-        return add_halves(x, y, flip, out);
+        return false;
 
     // B shifted right by d, exactly: words from a frame of zeros, the word
     // offset from memory, the bit offset with a double shift.
@@ -220,7 +206,7 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     // The sum is below 2^146 (top word below 2^18).  More than one bit
     // cancelled: rare, to the general code.
     if (r4 < 0x8000) [[unlikely]]
-        return add_halves(x, y, flip, out);
+        return false;
     // Leading one to bit 16 of the top word: the five words doubled, then
     // halved 0, 1 or 2 times.  Only the jam bit can be lost, when halving
     // twice; it then stays sticky.
@@ -256,8 +242,8 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
         r4 = 0x10000;
         ++e_out;
     }
-    if (e_out <= 0) return Status::underflow;
-    if (e_out >= 0x7FFF) return Status::overflow;
+    if (e_out <= 0 || e_out >= 0x7FFF) [[unlikely]]
+        return false;
     // Word stores, kept apart: merged into one 16-byte store they cost
     // moves to SSE here and a missed store forwarding in the next operation
     // reading the result.
@@ -269,7 +255,7 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
         "movl %[s3], %[o3]"
         : [o0] "=m"(out[0]), [o1] "=m"(out[1]), [o2] "=m"(out[2]), [o3] "=m"(out[3])
         : [s0] "r"(r1), [s1] "r"(r2), [s2] "r"(r3), [s3] "r"(top));
-    return Status::ok;
+    return true;
 }
 #endif
 
@@ -316,43 +302,58 @@ inline Status attempt(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     }
 }
 
-[[gnu::always_inline]] inline Real16* add_or_subtract(Real16* result, const Real16* a, const Real16* b,
-                                                      std::uint64_t flip) {
-#if defined(__x86_64__)
+// The general code: the attempt on halves, the report and its sequel.
+template <std::uint64_t Flip>
+inline Real16* add_or_subtract_halves(Real16* result, const Real16* a, const Real16* b) {
     const Halves x = detail::load(a), y = detail::load(b);
     Halves r;
-    const Status s = attempt(x, y, flip, &r);
-    if (s != Status::ok) [[unlikely]] r = recover(s, x, y, flip);
+    const Status s = attempt(x, y, Flip, &r);
+    if (s != Status::ok) [[unlikely]] r = recover(s, x, y, Flip);
     detail::store(result, r);
+    return result;
+}
+
+#if !defined(__x86_64__)
+template <std::uint64_t Flip>
+[[gnu::noinline]] Real16* general(Real16* result, const Real16* a, const Real16* b) {
+    return add_or_subtract_halves<Flip>(result, a, b);
+}
+#endif
+
+template <std::uint64_t Flip>
+inline Real16* add_or_subtract(Real16* result, const Real16* a, const Real16* b) {
+#if defined(__x86_64__)
+    return add_or_subtract_halves<Flip>(result, a, b);
 #else
     // The zero shortcuts on the top words, in the same order as attempt's;
     // every word is read before the result, which may be an operand, is
     // written.
     const bool x_zero = (a->w[3] & 0x7FFFFFFFu) == 0, y_zero = (b->w[3] & 0x7FFFFFFFu) == 0;
     if (x_zero || y_zero) [[unlikely]] {
-        const bool take_y = flip == 0 ? x_zero : !y_zero;
+        const bool take_y = Flip == 0 ? x_zero : !y_zero;
         const Real16* from = take_y ? b : a;
         const std::uint32_t w0 = from->w[0], w1 = from->w[1], w2 = from->w[2];
-        const std::uint32_t w3 = from->w[3] ^ (take_y ? static_cast<std::uint32_t>(flip >> 32) : 0u);
+        const std::uint32_t w3 = from->w[3] ^ (take_y ? static_cast<std::uint32_t>(Flip >> 32) : 0u);
         result->w[0] = w0;
         result->w[1] = w1;
         result->w[2] = w2;
         result->w[3] = w3;
         return result;
     }
-    const Status s = add_words(a->w, b->w, static_cast<std::uint32_t>(flip >> 32), result->w);
-    if (s != Status::ok) [[unlikely]] detail::store(result, recover(s, detail::load(a), detail::load(b), flip));
+    if (add_words(a->w, b->w, static_cast<std::uint32_t>(Flip >> 32), result->w)) return result;
+    // A tail call: the entry point then makes no call of its own and needs
+    // neither a realigned stack nor a frame pointer.
+    return general<Flip>(result, a, b);
 #endif
-    return result;
 }
 
 }  // namespace
 }  // namespace mivor::quad
 
 extern "C" mivor_real16* g_aqaq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
-    return mivor::quad::add_or_subtract(result, a, b, 0);
+    return mivor::quad::add_or_subtract<0>(result, a, b);
 }
 
 extern "C" mivor_real16* g_aqsq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
-    return mivor::quad::add_or_subtract(result, a, b, mivor::quad::detail::kSign64);
+    return mivor::quad::add_or_subtract<mivor::quad::detail::kSign64>(result, a, b);
 }
