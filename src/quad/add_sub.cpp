@@ -171,13 +171,13 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     if (d >= 64) [[unlikely]]
         return false;
 
-    // B shifted right by d, exactly: words from a frame of zeros, the word
-    // offset from memory, the bit offset with a double shift.
-    // (A zero the compiler cannot see keeps it from building the frame
-    // with 16-byte stores, which would realign the stack.)
+    // B shifted right by d: the word offset by reading from a frame of
+    // B's words between zeros, the bit offset by shifts.  (A zero the
+    // compiler cannot see keeps it from building the frame with 16-byte
+    // stores.)
     std::uint32_t zero = 0;
     __asm__("" : "+r"(zero));
-    const std::uint32_t frame[8] = {zero, zero, b[0], b[1], b[2], (b3 & 0xFFFF) | 0x10000, zero, zero};
+    const std::uint32_t frame[7] = {zero, b[0], b[1], b[2], (b3 & 0xFFFF) | 0x10000, zero, zero};
     const std::uint32_t* f = frame + (d >> 5);
     const unsigned bit = d & 31;
     // Plain shifts: a double shift by a variable count costs several times
@@ -186,13 +186,13 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     auto down = [bit](std::uint32_t lo, std::uint32_t hi) { return (lo >> bit) | ((hi << 1) << (31 - bit)); };
     // Below the guard word only whether anything is non-zero matters: it
     // is jammed into the guard word's last bit, which lies far enough below
-    // the rounding position even after a bit of cancellation.  (The frame's
-    // two lowest words are zero, so only f[1] can reach below.)
-    const std::uint32_t jam = ((f[1] << 1) << (31 - bit)) != 0;
+    // the rounding position even after a bit of cancellation.  (Only f[0]
+    // can reach below, and only its part shifted out.)
+    const std::uint32_t jam = ((f[0] << 1) << (31 - bit)) != 0;
     // A - B is A + ~B + 1: the words of B complemented for a subtraction.
-    std::uint32_t r0 = (down(f[1], f[2]) | jam) ^ subtract, r1 = down(f[2], f[3]) ^ subtract;
-    std::uint32_t r2 = down(f[3], f[4]) ^ subtract, r3 = down(f[4], f[5]) ^ subtract;
-    std::uint32_t r4 = down(f[5], f[6]) ^ subtract;
+    std::uint32_t r0 = (down(f[0], f[1]) | jam) ^ subtract, r1 = down(f[1], f[2]) ^ subtract;
+    std::uint32_t r2 = down(f[2], f[3]) ^ subtract, r3 = down(f[3], f[4]) ^ subtract;
+    std::uint32_t r4 = down(f[4], f[5]) ^ subtract;
     __asm__(
         "btl $0, %[m]\n\t"
         "adcl $0, %[r0]\n\t"
