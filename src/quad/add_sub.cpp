@@ -203,10 +203,32 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
         : [r0] "+rm"(r0), [r1] "+r"(r1), [r2] "+r"(r2), [r3] "+r"(r3), [r4] "+r"(r4)
         : [m] "r"(subtract), [a0] "m"(a[0]), [a1] "m"(a[1]), [a2] "m"(a[2]), [a3] "rm"((a3 & 0xFFFF) | 0x10000)
         : "cc");
-    // The sum is below 2^146 (top word below 2^18).  More than one bit
-    // cancelled: rare, to the general code.
-    if (r4 < 0x8000) [[unlikely]]
-        return false;
+    // The sum is below 2^146 (top word below 2^18).
+    if (r4 < 0x8000) [[unlikely]] {
+        // More than one bit cancelled: a subtraction with exponents at most
+        // one apart, so nothing was jammed and the difference, at most 114
+        // bits wide less what cancelled, is exact and needs no rounding.
+        // Common in a running sum, hence not left to the general code.
+        const std::uint32_t g[10] = {zero, zero, zero, zero, zero, r0, r1, r2, r3, r4};
+        int k = 9;
+        while (g[k] == 0)
+            if (--k < 5) {  // exact cancellation: +0
+                out[0] = out[1] = out[2] = out[3] = 0;
+                return true;
+            }
+        // Leading one from bit 32 k + 31 - clz to bit 16 of g[9].
+        const unsigned shift = 304 - (32 * static_cast<unsigned>(k) + 31 - static_cast<unsigned>(__builtin_clz(g[k])));
+        const std::int32_t e_low = e - static_cast<std::int32_t>(shift);
+        if (e_low <= 0) return false;
+        const std::uint32_t* h = g - (shift >> 5);
+        const unsigned up_bits = shift & 31;
+        auto up = [up_bits](std::uint32_t lo, std::uint32_t hi) { return (hi << up_bits) | ((lo >> 1) >> (31 - up_bits)); };
+        out[0] = up(h[5], h[6]);
+        out[1] = up(h[6], h[7]);
+        out[2] = up(h[7], h[8]);
+        out[3] = sign | (static_cast<std::uint32_t>(e_low) << 16) | (up(h[8], h[9]) & 0xFFFF);
+        return true;
+    }
     // Leading one to bit 16 of the top word: the five words doubled, then
     // halved 0, 1 or 2 times.  Only the jam bit can be lost, when halving
     // twice; it then stays sticky.
