@@ -127,17 +127,20 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
 // The 32-bit targets: the first attempt on 32-bit words, read straight from
 // the operands and written straight to the result (the compiler's
 // register-pair code for the 64-bit halves spills most of its values).
-// The common case -- exponents less than 64 apart, at most one bit
-// cancelled -- is exact in six words (four of significand, the guard word
-// and one below it) and runs without a data-dependent branch: half of all
-// sums are effective subtractions and half of the operand pairs are
-// exchanged, unpredictably.  Everything else, rare, is done again from the
-// start by the general code, which gives the same bits.
+// The common case -- exponents less than 64 apart -- takes five words (four
+// of significand and the guard word, everything below it jammed into the
+// guard word's last bit) and runs without a data-dependent branch: half of
+// all sums are effective subtractions and half of the operand pairs are
+// exchanged, unpredictably.  A cancellation of more than one bit is exact
+// and normalised on the words too: a running sum meets it often.  The rest,
+// rare, is done again from the start by the general code, which gives the
+// same bits.
+//
 // x + y for non-zero tops on words, least significant first; `flip` (0 or
 // the sign bit) is applied to y's sign.  True when the sum is written; false,
 // with nothing written, for the cases left to the general code (exponents 64
-// or more apart, more than one bit cancelled, overflow, underflow).  All
-// operand words are read before the result is written.
+// or more apart, overflow, underflow).  All operand words are read before the
+// result is written.
 [[gnu::always_inline]] inline bool add_words(const std::uint32_t* x, const std::uint32_t* y, std::uint32_t flip,
                                                std::uint32_t* out) {
     const std::uint32_t x3 = x[3], y3 = y[3] ^ flip;
@@ -230,8 +233,8 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
         return true;
     }
     // Leading one to bit 16 of the top word: the five words doubled, then
-    // halved 0, 1 or 2 times.  Only the jam bit can be lost, when halving
-    // twice; it then stays sticky.
+    // halved 0, 1 or 2 times.  Only the guard word's last bit can be lost,
+    // when halving twice; it then counts as sticky.
     const unsigned u = 16 - static_cast<unsigned>(__builtin_clz(r4));
     const std::uint32_t lost = r0 & (u >> 1);
     __asm__(
@@ -266,9 +269,8 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     }
     if (e_out <= 0 || e_out >= 0x7FFF) [[unlikely]]
         return false;
-    // Word stores, kept apart: merged into one 16-byte store they cost
-    // moves to SSE here and a missed store forwarding in the next operation
-    // reading the result.
+    // Word stores, kept apart: the compiler would merge them into one
+    // 16-byte store, after four moves to SSE and three shuffles.
     const std::uint32_t top = sign | (static_cast<std::uint32_t>(e_out) << 16) | (r4 & 0xFFFF);
     __asm__(
         "movl %[s0], %[o0]\n\t"
