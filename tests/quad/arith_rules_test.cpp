@@ -241,6 +241,25 @@ TEST(QuadArith, ResultMayAliasAnOperand) {
     EXPECT_BITS(q(0x40020AAAu, 0xAAAAAAAAu, 0xAAAAAAAAu, 0xAAAAAAABu), y);  // 25/3
 }
 
+// The result written over the operand of larger magnitude while it is the
+// second one (the operands are exchanged), also after a massive or exact
+// cancellation.
+TEST(QuadArith, ResultMayAliasTheLargerSecondOperand) {
+    mivor_real16 x = kTwo, y = q(0x40014000u);  // 5
+    g_aqaq(&y, &x, &y);
+    EXPECT_BITS(q(0x4001C000u), y);  // 7
+    g_aqsq(&y, &x, &y);
+    EXPECT_BITS(q(0xC0014000u), y);  // -5
+    mivor_real16 one = kOne, z = q(0xBFFF0000u, 0, 0, 1);  // -(1 + 2^-112)
+    g_aqaq(&z, &one, &z);
+    EXPECT_BITS(q(0xBF8F0000u), z);
+    mivor_real16 w = q(0x3FFF0000u, 0, 0, 1);
+    g_aqsq(&w, &kOne, &w);
+    EXPECT_BITS(q(0xBF8F0000u), w);
+    g_aqsq(&w, &w, &w);
+    EXPECT_BITS(kPlusZero, w);
+}
+
 // One error site: operands, what is reported, and the two fallbacks.
 struct ErrorCase {
     const char* what;
