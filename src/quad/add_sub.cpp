@@ -254,19 +254,9 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
     // To nearest, ties to even: guard word r0, the lost bit sticky.
     const std::uint32_t up = static_cast<std::uint32_t>(r0 > 0x80000000u) |
                              (static_cast<std::uint32_t>(r0 == 0x80000000u) & (lost | r1));
-    __asm__(
-        "addl %[up], %[s0]\n\t"
-        "adcl $0, %[s1]\n\t"
-        "adcl $0, %[s2]\n\t"
-        "adcl $0, %[s3]"
-        : [s0] "+r"(r1), [s1] "+r"(r2), [s2] "+r"(r3), [s3] "+r"(r4)
-        : [up] "rm"(up & 1)
-        : "cc");
     std::int32_t e_out = e + static_cast<std::int32_t>(u) - 1;
-    if (r4 == 0x20000) [[unlikely]] {  // all fraction bits were ones
-        r4 = 0x10000;
-        ++e_out;
-    }
+    detail::add_rounding_carry(up & 1, r1, r2, r3, r4);
+    detail::carry_out_of_rounding(r4, e_out);
     if (e_out <= 0 || e_out >= 0x7FFF) [[unlikely]]
         return false;
     // Word stores, kept apart: the compiler would merge them into one

@@ -440,25 +440,8 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
     std::uint32_t s0 = (q3 << 16) | (q4 >> 1), s1 = (q2 << 16) | (q3 >> 16), s2 = (q1 << 16) | (q2 >> 16),
                   s3 = 0x10000 | (q1 >> 16);
     const std::uint32_t up = q4 & (static_cast<std::uint32_t>(inexact) | (q4 >> 1)) & 1;
-    __asm__(
-        "addl %[up], %[s0]\n\t"
-        "adcl $0, %[s1]\n\t"
-        "adcl $0, %[s2]\n\t"
-        "adcl $0, %[s3]"
-        : [s0] "+r"(s0), [s1] "+r"(s1), [s2] "+r"(s2), [s3] "+r"(s3)
-        : [up] "rm"(up)
-        : "cc");
-    if (s3 == 0x20000) [[unlikely]] {  // all fraction bits were ones
-        s3 = 0x10000;
-        ++e;
-    }
-    if (e <= 0) return Status::underflow;
-    if (e >= 0x7FFF) return Status::overflow;
-    out[0] = s0;
-    out[1] = s1;
-    out[2] = s2;
-    out[3] = sign | (static_cast<std::uint32_t>(e) << 16) | (s3 & 0xFFFF);
-    return Status::ok;
+    detail::add_rounding_carry(up, s0, s1, s2, s3);
+    return detail::pack_words(sign, e, s0, s1, s2, s3, out);
 }
 
 // The same on halves, for the retries after a report.

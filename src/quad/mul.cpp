@@ -203,25 +203,8 @@ inline Product product(const std::uint32_t (&a)[4], const std::uint32_t (&b)[4])
     const std::uint32_t below = (p.p3 & ((1u << (shift - 1)) - 1)) | p.sticky;
     // To nearest, ties to even.
     const std::uint32_t up = guard & (static_cast<std::uint32_t>(below != 0) | s0);
-    __asm__(
-        "addl %[up], %[s0]\n\t"
-        "adcl $0, %[s1]\n\t"
-        "adcl $0, %[s2]\n\t"
-        "adcl $0, %[s3]"
-        : [s0] "+r"(s0), [s1] "+r"(s1), [s2] "+r"(s2), [s3] "+r"(s3)
-        : [up] "rm"(up)
-        : "cc");
-    if (s3 == 0x20000) [[unlikely]] {  // all fraction bits were ones
-        s3 = 0x10000;
-        ++e;
-    }
-    if (e <= 0) return Status::underflow;
-    if (e >= 0x7FFF) return Status::overflow;
-    out[0] = s0;
-    out[1] = s1;
-    out[2] = s2;
-    out[3] = sign | (static_cast<std::uint32_t>(e) << 16) | (s3 & 0xFFFF);
-    return Status::ok;
+    detail::add_rounding_carry(up, s0, s1, s2, s3);
+    return detail::pack_words(sign, e, s0, s1, s2, s3, out);
 }
 #endif
 

@@ -160,4 +160,44 @@ inline Status round_and_pack(std::uint64_t sign, std::int32_t e, std::uint64_t h
     return Status::ok;
 }
 
+#if !defined(__x86_64__)
+// The rounding step of the word kernels of the 32-bit targets: adds `up`
+// (0 or 1) to the significand words s3:s2:s1:s0 (the implicit one at bit 16
+// of s3) in one carry chain.  A carry out of the significand (all fraction
+// bits were ones) leaves 2.0 there: see carry_out_of_rounding.
+inline void add_rounding_carry(std::uint32_t up, std::uint32_t& s0, std::uint32_t& s1, std::uint32_t& s2,
+                               std::uint32_t& s3) {
+    __asm__(
+        "addl %[up], %[s0]\n\t"
+        "adcl $0, %[s1]\n\t"
+        "adcl $0, %[s2]\n\t"
+        "adcl $0, %[s3]"
+        : [s0] "+r"(s0), [s1] "+r"(s1), [s2] "+r"(s2), [s3] "+r"(s3)
+        : [up] "rm"(up)
+        : "cc");
+}
+
+// After add_rounding_carry: 2.0 becomes 1.0 with the exponent raised.
+inline void carry_out_of_rounding(std::uint32_t& s3, std::int32_t& e) {
+    if (s3 == 0x20000) [[unlikely]] {
+        s3 = 0x10000;
+        ++e;
+    }
+}
+
+// Range check and packing of a rounded word significand, as round_and_pack
+// does on halves: e <= 0 is an underflow, e >= 32767 an overflow.
+inline Status pack_words(std::uint32_t sign, std::int32_t e, std::uint32_t s0, std::uint32_t s1, std::uint32_t s2,
+                         std::uint32_t s3, std::uint32_t* out) {
+    carry_out_of_rounding(s3, e);
+    if (e <= 0) return Status::underflow;
+    if (e >= 0x7FFF) return Status::overflow;
+    out[0] = s0;
+    out[1] = s1;
+    out[2] = s2;
+    out[3] = sign | (static_cast<std::uint32_t>(e) << 16) | (s3 & 0xFFFF);
+    return Status::ok;
+}
+#endif
+
 }  // namespace mivor::quad::detail
