@@ -445,13 +445,7 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
 }
 
 // The same on halves, for the retries after a report.
-inline Status divide_nonzero(Halves x, Halves y, Halves* out) {
-    const Real16 qx = detail::to_real16(x), qy = detail::to_real16(y);
-    Real16 q;
-    const Status s = divide_words(qx.w, qy.w, q.w);
-    if (s == Status::ok) *out = detail::load(&q);
-    return s;
-}
+inline Status divide_nonzero(Halves x, Halves y, Halves* out) { return detail::on_words<divide_words>(x, y, out); }
 
 #endif
 

@@ -238,13 +238,7 @@ inline Status multiply_nonzero(Halves x, Halves y, Halves* out) {
 
 #else
 // The same on halves, for the retries after a report.
-inline Status multiply_nonzero(Halves x, Halves y, Halves* out) {
-    const Real16 qx = detail::to_real16(x), qy = detail::to_real16(y);
-    Real16 q;
-    const Status s = multiply_words(qx.w, qy.w, q.w);
-    if (s == Status::ok) *out = detail::load(&q);
-    return s;
-}
+inline Status multiply_nonzero(Halves x, Halves y, Halves* out) { return detail::on_words<multiply_words>(x, y, out); }
 #endif
 
 inline Status attempt(Halves x, Halves y, Halves* out) {

@@ -198,6 +198,17 @@ inline Status pack_words(std::uint32_t sign, std::int32_t e, std::uint32_t s0, s
     out[3] = sign | (static_cast<std::uint32_t>(e) << 16) | (s3 & 0xFFFF);
     return Status::ok;
 }
+
+// A word kernel applied to operands held as halves: the retries after a
+// report start again from the halves.
+template <Status (*kernel)(const std::uint32_t*, const std::uint32_t*, std::uint32_t*)>
+inline Status on_words(Halves x, Halves y, Halves* out) {
+    const Real16 qx = to_real16(x), qy = to_real16(y);
+    Real16 q;
+    const Status s = kernel(qx.w, qy.w, q.w);
+    if (s == Status::ok) *out = load(&q);
+    return s;
+}
 #endif
 
 }  // namespace mivor::quad::detail
