@@ -124,10 +124,6 @@ inline double evaluate(double hi, double lo, std::uint32_t n) {
     return flip_by(v, sign);
 }
 
-[[gnu::cold, gnu::noinline]] Reduced reduce_beyond_ladder(double a) {
-    return a < XBIG ? reduce_medium(a) : reduce_large(a);
-}
-
 template <bool cosine>
 double sin_or_cos(double x);
 
@@ -148,8 +144,10 @@ double sin_or_cos(double x) {
     Reduced r;
     if (a < Q9P) {
         r = ladder(a);
+    } else if (a < XBIG) {
+        r = reduce_medium(a);
     } else if (a < DSINMX) {
-        r = reduce_beyond_ladder(a);
+        r = reduce_large(a);
     } else {
         return refuse<cosine>(x);
     }
