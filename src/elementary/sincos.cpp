@@ -36,6 +36,7 @@
 
 #include "elementary/sincos_data.h"
 #include "elementary/trig_reduce.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
@@ -270,7 +271,7 @@ __m128d packed(__m128d x) {
 
 using namespace mivor::elementary;
 
-extern "C" double g_dsin(const double* arg) { return sin_or_cos<false>(*arg); }
-extern "C" double g_dcos(const double* arg) { return sin_or_cos<true>(*arg); }
-extern "C" __m128d pk_dsin(__m128d x) { return packed<false>(x); }
-extern "C" __m128d pk_dcos(__m128d x) { return packed<true>(x); }
+extern "C" MIVOR_DISPATCHED double g_dsin(const double* arg) { return sin_or_cos<false>(*arg); }
+extern "C" MIVOR_DISPATCHED double g_dcos(const double* arg) { return sin_or_cos<true>(*arg); }
+extern "C" MIVOR_DISPATCHED __m128d pk_dsin(__m128d x) { return packed<false>(x); }
+extern "C" MIVOR_DISPATCHED __m128d pk_dcos(__m128d x) { return packed<true>(x); }
