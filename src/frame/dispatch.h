@@ -1,4 +1,4 @@
-// Run-time choice of instruction encoding for the hot REAL(8) kernels.
+// Run-time choice of instruction encoding for the hot elementary kernels.
 //
 // With MIVOR_DISPATCH_AVX (the x86-64 Linux build) each export marked
 // MIVOR_DISPATCHED is compiled twice, for the SSE2 baseline and for AVX,
