@@ -34,6 +34,9 @@
 // deliberately inside [-1, 1].
 #include <emmintrin.h>
 
+#include <bit>
+
+#include "elementary/lanes.h"
 #include "elementary/sincos_data.h"
 #include "elementary/trig_reduce.h"
 #include "frame/dispatch.h"
@@ -63,6 +66,15 @@ inline constexpr std::uint64_t flg2 = 0x8000000000000000u;
 static_assert(flg1 == ~flg2);  // the masks: magnitude() and sign_of() apply them in SSE registers
 inline constexpr std::uint64_t kSubstitute = 0x3FE6A09E667F3BCDu;  // 0.7071067811865476
 
+// The scalar kernel keeps each double in lane 0 of an SSE register: the
+// sign and magnitude steps are then one bitwise instruction each, where a
+// double moved into a register for them would first have its upper lane
+// cleared.  Same operations, same bits.
+using Sd = __m128d;
+inline Sd sd(double v) { return _mm_set_sd(v); }
+inline constexpr Lanes kSignMask = twice(-0.0);  // flg2 in both lanes
+static_assert(std::bit_cast<std::uint64_t>(-0.0) == flg2);
+
 // The rungs: shift q of the ladder is C1 + C2 = q pi/2 (q = 0: no shift).
 struct Shift {
     double c1, c2;
@@ -73,13 +85,14 @@ inline constexpr Shift kShifts[5] = {{0.0, 0.0}, {HP1, HP2}, {PI1, PI2}, {H3P, H
 // by counting comparisons rather than by branches (random arguments would
 // mispredict them).  u = a - c1 is exact (Sterbenz) and either 0 or at least
 // ulp(c1) >= 2^-52 > |c2|, so the error of u - c2 is recovered exactly.
-inline Reduced ladder(double a) {
-    const std::uint32_t q = std::uint32_t{a >= QP} + std::uint32_t{a >= Q3P} + std::uint32_t{a >= Q5P} +
-                            std::uint32_t{a >= Q7P};
+inline ReducedLanes ladder(Sd a) {
+    const double ad = _mm_cvtsd_f64(a);
+    const std::uint32_t q = std::uint32_t{ad >= QP} + std::uint32_t{ad >= Q3P} + std::uint32_t{ad >= Q5P} +
+                            std::uint32_t{ad >= Q7P};
     const Shift& c = kShifts[q];
-    const double u = a - c.c1;
-    const double hi = u - c.c2;
-    return {hi, (u - hi) - c.c2, q};
+    const Sd u = _mm_sub_sd(a, _mm_load_sd(&c.c1));
+    const Sd hi = _mm_sub_sd(u, _mm_load_sd(&c.c2));
+    return {hi, _mm_sub_sd(_mm_sub_sd(u, hi), _mm_load_sd(&c.c2)), q};
 }
 
 // [sin, cos, -sin, -cos](hi + lo) for n = 0, 1, 2, 3 (mod 4), from row
@@ -94,66 +107,91 @@ inline Reduced ladder(double a) {
 // for the correction by lo.  In each form the terms that round are at most
 // 1/96 (or 2^-7) of the result.  The two-lane code computes the same
 // expressions, with the form selected by masks, and gives the same bits.
+// `sign` (the sign of x for the sine, else zero) is applied with the
+// quadrant's.
 inline constexpr std::uint32_t kLargeRows = 64;  // t_j >= 1/4
 
 // Sign masks of the quadrant: n & 2 negates.
 inline constexpr double kQuadrantSign[4] = {0.0, 0.0, -0.0, -0.0};
 
-inline double evaluate(double hi, double lo, std::uint32_t n) {
-    const __m128d sr = sign_of(hi);
-    hi = magnitude(hi);
-    lo = flip_by(lo, sr);
-    __m128d sign = _mm_load_sd(&kQuadrantSign[n & 3]);
-    const double jb = hi + BH;
-    const std::uint32_t j = low32(jb) & 0x3FF;
-    const double d = hi - (jb - BH);
+inline double evaluate(ReducedLanes r, std::uint32_t n, Sd sign) {
+    const Sd mask = lanes(kSignMask);
+    const Sd sr = _mm_and_pd(r.hi, mask);
+    const Sd hi = _mm_andnot_pd(mask, r.hi);
+    const Sd lo = _mm_xor_pd(r.lo, sr);
+    sign = _mm_xor_pd(sign, _mm_load_sd(&kQuadrantSign[n & 3]));
+    // 0 <= hi < 1, so the low word of jb is j itself (its fraction bits
+    // above those of j are zero): the row is the j-th pair of half rows,
+    // the half of the quadrant's parity.
+    const Sd jb = _mm_add_sd(hi, sd(BH));
+    const std::uint32_t j = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(jb)));
+    const Sd d = _mm_sub_sd(hi, _mm_sub_sd(jb, sd(BH)));
     const double* g = tab::sc[j][n & 1];
-    const double z = hi * hi;
-    const double dp4 = d * ((g[1] + g[2] * d) + (d * d) * (g[3] + g[4] * d));
-    double v;
+    const auto G = [g](int i) { return _mm_load_sd(g + i); };
+    const Sd z = _mm_mul_sd(hi, hi);
+    // Sums and products are written with the row's coefficient second, so
+    // that it is read as a memory operand (they commute, bit for bit).
+    const Sd dp4 = _mm_mul_sd(d, _mm_add_sd(_mm_add_sd(_mm_mul_sd(d, G(2)), G(1)),
+                                            _mm_mul_sd(_mm_mul_sd(d, d), _mm_add_sd(_mm_mul_sd(d, G(4)), G(3)))));
+    Sd v;
     if (n & 1) {
-        const double sn = hi * (1.0 - z * (1.0 / 6));
-        v = g[0] + (g[5] + (lo * -sn + dp4));
+        // lo (-sn) + dP4 = dP4 - lo sn: negation commutes with rounding.
+        const Sd sn = _mm_mul_sd(hi, _mm_sub_sd(sd(1.0), _mm_mul_sd(z, sd(1.0 / 6))));
+        v = _mm_add_sd(_mm_add_sd(_mm_sub_sd(dp4, _mm_mul_sd(lo, sn)), G(5)), G(0));
     } else {
         sign = _mm_xor_pd(sign, sr);
-        const double cs = 1.0 - z * (0.5 - z * (1.0 / 24));
+        const Sd cs = _mm_sub_sd(sd(1.0), _mm_mul_sd(z, _mm_sub_sd(sd(0.5), _mm_mul_sd(z, sd(1.0 / 24)))));
         if (j < kLargeRows)
-            v = hi + (lo * cs + hi * (g[0] + dp4));
+            v = _mm_add_sd(hi, _mm_add_sd(_mm_mul_sd(lo, cs), _mm_mul_sd(hi, _mm_add_sd(dp4, G(0)))));
         else
-            v = g[5] + ((g[6] + d * g[7]) + (lo * cs + hi * dp4));
+            v = _mm_add_sd(_mm_add_sd(_mm_add_sd(_mm_mul_sd(d, G(7)), G(6)),
+                                      _mm_add_sd(_mm_mul_sd(lo, cs), _mm_mul_sd(hi, dp4))),
+                           G(5));
     }
-    return flip_by(v, sign);
+    return _mm_cvtsd_f64(_mm_xor_pd(v, sign));
 }
 
 template <bool cosine>
-double sin_or_cos(double x);
+double sin_or_cos(const double* arg);
 
 // Refused argument (too large, infinite or NaN): report 203; a retry starts
 // again from the top with the corrected argument.
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] double refuse(double x) {
     const report::Verdict v = report::direct(203, x);
-    if (v.retry) return sin_or_cos<cosine>(x);
+    if (v.retry) return sin_or_cos<cosine>(&x);
     return v.ieee_results ? _NaN_D : double_from_bits(kSubstitute);
 }
 
-// Sine (cosine = false) or cosine of x.  The hot path is a leaf: reports
-// and the larger reductions are out of line.
+// 1.05e8 <= |x| < 3.53e15, out of line.
 template <bool cosine>
-double sin_or_cos(double x) {
-    const double a = magnitude(x);
-    Reduced r;
-    if (a < Q9P) {
+[[gnu::cold, gnu::noinline]] double beyond_xbig(Sd xv, Sd a) {
+    const Reduced r = reduce_large(_mm_cvtsd_f64(a));
+    const ReducedLanes rl{sd(r.hi), sd(r.lo), r.k};
+    if constexpr (cosine) return evaluate(rl, r.k + 1, _mm_setzero_pd());
+    return evaluate(rl, r.k, _mm_and_pd(xv, lanes(kSignMask)));
+}
+
+// Sine (cosine = false) or cosine of *arg.  The hot path is a leaf:
+// reports and the largest reduction are out of line.
+template <bool cosine>
+double sin_or_cos(const double* arg) {
+    const Sd xv = _mm_load_sd(arg);
+    const Sd a = _mm_andnot_pd(lanes(kSignMask), xv);
+    // Plain comparisons: false for a NaN, which falls through to the refusal.
+    const double ad = _mm_cvtsd_f64(a);
+    ReducedLanes r;
+    if (ad < Q9P) {
         r = ladder(a);
-    } else if (a < XBIG) {
-        r = reduce_medium(a);
-    } else if (a < DSINMX) {
-        r = reduce_large(a);
+    } else if (ad < XBIG) {
+        r = reduce_medium_lanes(a);
+    } else if (ad < DSINMX) {
+        return beyond_xbig<cosine>(xv, a);
     } else {
-        return refuse<cosine>(x);
+        return refuse<cosine>(_mm_cvtsd_f64(xv));
     }
-    if constexpr (cosine) return evaluate(r.hi, r.lo, r.k + 1);
-    return flip_by(evaluate(r.hi, r.lo, r.k), sign_of(x));
+    if constexpr (cosine) return evaluate(r, r.k + 1, _mm_setzero_pd());
+    return evaluate(r, r.k, _mm_and_pd(xv, lanes(kSignMask)));
 }
 
 // Both lanes at once when both |x| <= 1.05e8: the step-7 reduction for every
@@ -190,8 +228,8 @@ __m128d packed(__m128d x) {
     if (_mm_movemask_pd(_mm_cmple_pd(a, _mm_load_pd(K->kXbig2))) != 3) {
         alignas(16) double lane[2];
         _mm_store_pd(lane, x);
-        const double r0 = sin_or_cos<cosine>(lane[0]);  // as g_dsin / g_dcos would
-        const double r1 = sin_or_cos<cosine>(lane[1]);
+        const double r0 = sin_or_cos<cosine>(&lane[0]);  // as g_dsin / g_dcos would
+        const double r1 = sin_or_cos<cosine>(&lane[1]);
         return _mm_set_pd(r1, r0);
     }
     const __m128d bg = _mm_load_pd(K->kBg2);
@@ -271,7 +309,7 @@ __m128d packed(__m128d x) {
 
 using namespace mivor::elementary;
 
-extern "C" MIVOR_DISPATCHED double g_dsin(const double* arg) { return sin_or_cos<false>(*arg); }
-extern "C" MIVOR_DISPATCHED double g_dcos(const double* arg) { return sin_or_cos<true>(*arg); }
+extern "C" MIVOR_DISPATCHED double g_dsin(const double* arg) { return sin_or_cos<false>(arg); }
+extern "C" MIVOR_DISPATCHED double g_dcos(const double* arg) { return sin_or_cos<true>(arg); }
 extern "C" MIVOR_DISPATCHED __m128d pk_dsin(__m128d x) { return packed<false>(x); }
 extern "C" MIVOR_DISPATCHED __m128d pk_dcos(__m128d x) { return packed<true>(x); }
