@@ -33,6 +33,7 @@
 #include "elementary/exp_data.h"
 #include "elementary/exp_log.h"
 #include "elementary/lanes.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
@@ -106,7 +107,7 @@ inline Reduced reduce(double x) {
 
 }  // namespace
 
-extern "C" double g_dexp(const double* arg) {
+extern "C" MIVOR_DISPATCHED double g_dexp(const double* arg) {
     const double x = *arg;
     if (!(x >= cmp1 || x <= -cmp1)) {  // |x| < 708.3984375 or NaN
         const Reduced red = reduce(x);
@@ -135,7 +136,7 @@ constexpr PackedConstants kPacked = {
 
 // Both lanes at once unless a lane needs the guarded path; then each lane
 // goes through g_dexp in turn (lane 0 first), reports included.
-extern "C" __m128d pk_dexp(__m128d x) {
+extern "C" MIVOR_DISPATCHED __m128d pk_dexp(__m128d x) {
     const PackedConstants& k = opaque(kPacked);
     const __m128d mag = _mm_and_pd(x, lanes(k.magnitude));
     if (_mm_movemask_pd(_mm_cmpge_pd(mag, lanes(k.cmp1))) != 0) {

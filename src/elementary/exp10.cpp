@@ -18,6 +18,7 @@
 #include <cstdint>
 
 #include "elementary/exp_data.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
@@ -78,7 +79,7 @@ inline double pow2(int m) { return double_from_bits((std::uint64_t(m) << 52) + k
 
 }  // namespace
 
-extern "C" double g_dexp10(const double* arg) {
+extern "C" MIVOR_DISPATCHED double g_dexp10(const double* arg) {
     const double x = *arg;
     if ((high_word(x) & 0x7FFFFFFFu) > kDirectLimit && x == x) return outside(x);
     const Reduced red = reduce(x);

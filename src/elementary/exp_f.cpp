@@ -24,6 +24,7 @@
 #include <cstdint>
 
 #include "elementary/exp_data.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
@@ -87,6 +88,6 @@ inline float exp_f(const float* arg) {
 
 }  // namespace
 
-extern "C" float g_exp(const float* arg) { return exp_f<kE>(arg); }
-extern "C" float g_exp2(const float* arg) { return exp_f<kTwo>(arg); }
-extern "C" float g_exp10(const float* arg) { return exp_f<kTen>(arg); }
+extern "C" MIVOR_DISPATCHED float g_exp(const float* arg) { return exp_f<kE>(arg); }
+extern "C" MIVOR_DISPATCHED float g_exp2(const float* arg) { return exp_f<kTwo>(arg); }
+extern "C" MIVOR_DISPATCHED float g_exp10(const float* arg) { return exp_f<kTen>(arg); }

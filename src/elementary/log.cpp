@@ -47,6 +47,7 @@
 
 #include "elementary/lanes.h"
 #include "elementary/log_data.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
@@ -311,8 +312,8 @@ inline __m128d packed_log(__m128d x) {
 
 }  // namespace
 
-extern "C" double g_dlog(const double* arg) { return scalar_log<Base::e>(arg); }
-extern "C" double g_dlog2(const double* arg) { return scalar_log<Base::two>(arg); }
-extern "C" double g_dlog10(const double* arg) { return scalar_log<Base::ten>(arg); }
-extern "C" __m128d pk_dlog(__m128d x) { return packed_log<Base::e>(x); }
-extern "C" __m128d pk_dlog10(__m128d x) { return packed_log<Base::ten>(x); }
+extern "C" MIVOR_DISPATCHED double g_dlog(const double* arg) { return scalar_log<Base::e>(arg); }
+extern "C" MIVOR_DISPATCHED double g_dlog2(const double* arg) { return scalar_log<Base::two>(arg); }
+extern "C" MIVOR_DISPATCHED double g_dlog10(const double* arg) { return scalar_log<Base::ten>(arg); }
+extern "C" MIVOR_DISPATCHED __m128d pk_dlog(__m128d x) { return packed_log<Base::e>(x); }
+extern "C" MIVOR_DISPATCHED __m128d pk_dlog10(__m128d x) { return packed_log<Base::ten>(x); }

@@ -28,6 +28,7 @@
 #include <cstdint>
 
 #include "elementary/log_data.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
@@ -88,9 +89,9 @@ inline float log_f(const float* arg) {
 
 }  // namespace
 
-extern "C" float g_alog(const float* arg) { return log_f<0>(arg); }
-extern "C" float g_alog2(const float* arg) { return log_f<2>(arg); }
-extern "C" float g_alog10(const float* arg) { return log_f<10>(arg); }
-extern "C" float g_log(const float* arg) { return log_f<0>(arg); }
-extern "C" float g_log2(const float* arg) { return log_f<2>(arg); }
-extern "C" float g_log10(const float* arg) { return log_f<10>(arg); }
+extern "C" MIVOR_DISPATCHED float g_alog(const float* arg) { return log_f<0>(arg); }
+extern "C" MIVOR_DISPATCHED float g_alog2(const float* arg) { return log_f<2>(arg); }
+extern "C" MIVOR_DISPATCHED float g_alog10(const float* arg) { return log_f<10>(arg); }
+extern "C" MIVOR_DISPATCHED float g_log(const float* arg) { return log_f<0>(arg); }
+extern "C" MIVOR_DISPATCHED float g_log2(const float* arg) { return log_f<2>(arg); }
+extern "C" MIVOR_DISPATCHED float g_log10(const float* arg) { return log_f<10>(arg); }

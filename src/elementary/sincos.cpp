@@ -34,8 +34,12 @@
 // deliberately inside [-1, 1].
 #include <emmintrin.h>
 
+#include <bit>
+
+#include "elementary/lanes.h"
 #include "elementary/sincos_data.h"
 #include "elementary/trig_reduce.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
@@ -59,8 +63,17 @@ inline constexpr double TP2 = 0x1.1a62633145c07p-52; // 0x3CB1A62633145C07
 inline constexpr double BH = 0x1p+44;                // 0x42B0000000000000
 inline constexpr std::uint64_t flg1 = 0x7FFFFFFFFFFFFFFFu;
 inline constexpr std::uint64_t flg2 = 0x8000000000000000u;
-static_assert(flg1 == ~flg2);  // the masks: magnitude() and sign_of() apply them in SSE registers
+static_assert(flg1 == ~flg2);  // applied in SSE registers: kSignMask below and its andnot
 inline constexpr std::uint64_t kSubstitute = 0x3FE6A09E667F3BCDu;  // 0.7071067811865476
+
+// The scalar kernel keeps each double in lane 0 of an SSE register: the
+// sign and magnitude steps are then one bitwise instruction each, where a
+// double moved into a register for them would first have its upper lane
+// cleared.  Same operations, same bits.
+using Sd = __m128d;
+inline Sd sd(double v) { return _mm_set_sd(v); }
+inline constexpr Lanes kSignMask = twice(-0.0);  // flg2 in both lanes
+static_assert(std::bit_cast<std::uint64_t>(-0.0) == flg2);
 
 // The rungs: shift q of the ladder is C1 + C2 = q pi/2 (q = 0: no shift).
 struct Shift {
@@ -72,13 +85,14 @@ inline constexpr Shift kShifts[5] = {{0.0, 0.0}, {HP1, HP2}, {PI1, PI2}, {H3P, H
 // by counting comparisons rather than by branches (random arguments would
 // mispredict them).  u = a - c1 is exact (Sterbenz) and either 0 or at least
 // ulp(c1) >= 2^-52 > |c2|, so the error of u - c2 is recovered exactly.
-inline Reduced ladder(double a) {
-    const std::uint32_t q = std::uint32_t{a >= QP} + std::uint32_t{a >= Q3P} + std::uint32_t{a >= Q5P} +
-                            std::uint32_t{a >= Q7P};
+inline ReducedLanes ladder(Sd a) {
+    const double ad = _mm_cvtsd_f64(a);
+    const std::uint32_t q = std::uint32_t{ad >= QP} + std::uint32_t{ad >= Q3P} + std::uint32_t{ad >= Q5P} +
+                            std::uint32_t{ad >= Q7P};
     const Shift& c = kShifts[q];
-    const double u = a - c.c1;
-    const double hi = u - c.c2;
-    return {hi, (u - hi) - c.c2, q};
+    const Sd u = _mm_sub_sd(a, _mm_load_sd(&c.c1));
+    const Sd hi = _mm_sub_sd(u, _mm_load_sd(&c.c2));
+    return {hi, _mm_sub_sd(_mm_sub_sd(u, hi), _mm_load_sd(&c.c2)), q};
 }
 
 // [sin, cos, -sin, -cos](hi + lo) for n = 0, 1, 2, 3 (mod 4), from row
@@ -91,94 +105,115 @@ inline Reduced ladder(double a) {
 //   cosine:                  c0 + (cl + (lo (-sn) + d P4)),
 // with cs = 1 - z (1/2 - z/24) ~ cos(hi) and sn = hi (1 - z/6) ~ sin(hi)
 // for the correction by lo.  In each form the terms that round are at most
-// 1/96 (or 2^-7) of the result.  The two-lane code computes the same
-// expressions, with the form selected by masks, and gives the same bits.
+// 1/96 (or 2^-7) of the result.
+// `sign` (the sign of x for the sine, else zero) is applied with the
+// quadrant's.
 inline constexpr std::uint32_t kLargeRows = 64;  // t_j >= 1/4
 
 // Sign masks of the quadrant: n & 2 negates.
 inline constexpr double kQuadrantSign[4] = {0.0, 0.0, -0.0, -0.0};
 
-inline double evaluate(double hi, double lo, std::uint32_t n) {
-    const __m128d sr = sign_of(hi);
-    hi = magnitude(hi);
-    lo = flip_by(lo, sr);
-    __m128d sign = _mm_load_sd(&kQuadrantSign[n & 3]);
-    const double jb = hi + BH;
-    const std::uint32_t j = low32(jb) & 0x3FF;
-    const double d = hi - (jb - BH);
+inline double evaluate(ReducedLanes r, std::uint32_t n, Sd sign) {
+    const Sd mask = lanes(kSignMask);
+    const Sd sr = _mm_and_pd(r.hi, mask);
+    const Sd hi = _mm_andnot_pd(mask, r.hi);
+    const Sd lo = _mm_xor_pd(r.lo, sr);
+    sign = _mm_xor_pd(sign, _mm_load_sd(&kQuadrantSign[n & 3]));
+    // 0 <= hi < 1, so the low word of jb is j itself (its fraction bits
+    // above those of j are zero): the row is the j-th pair of half rows,
+    // the half of the quadrant's parity.
+    const Sd jb = _mm_add_sd(hi, sd(BH));
+    const std::uint32_t j = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(jb)));
+    const Sd d = _mm_sub_sd(hi, _mm_sub_sd(jb, sd(BH)));
     const double* g = tab::sc[j][n & 1];
-    const double z = hi * hi;
-    const double dp4 = d * ((g[1] + g[2] * d) + (d * d) * (g[3] + g[4] * d));
-    double v;
+    const auto G = [g](int i) { return _mm_load_sd(g + i); };
+    const Sd z = _mm_mul_sd(hi, hi);
+    // Sums and products are written with the row's coefficient second, so
+    // that it is read as a memory operand (they commute, bit for bit).
+    const Sd dp4 = _mm_mul_sd(d, _mm_add_sd(_mm_add_sd(_mm_mul_sd(d, G(2)), G(1)),
+                                            _mm_mul_sd(_mm_mul_sd(d, d), _mm_add_sd(_mm_mul_sd(d, G(4)), G(3)))));
+    Sd v;
     if (n & 1) {
-        const double sn = hi * (1.0 - z * (1.0 / 6));
-        v = g[0] + (g[5] + (lo * -sn + dp4));
+        // lo (-sn) + dP4 = dP4 - lo sn: negation commutes with rounding.
+        const Sd sn = _mm_mul_sd(hi, _mm_sub_sd(sd(1.0), _mm_mul_sd(z, sd(1.0 / 6))));
+        v = _mm_add_sd(_mm_add_sd(_mm_sub_sd(dp4, _mm_mul_sd(lo, sn)), G(5)), G(0));
     } else {
         sign = _mm_xor_pd(sign, sr);
-        const double cs = 1.0 - z * (0.5 - z * (1.0 / 24));
+        const Sd cs = _mm_sub_sd(sd(1.0), _mm_mul_sd(z, _mm_sub_sd(sd(0.5), _mm_mul_sd(z, sd(1.0 / 24)))));
         if (j < kLargeRows)
-            v = hi + (lo * cs + hi * (g[0] + dp4));
+            v = _mm_add_sd(hi, _mm_add_sd(_mm_mul_sd(lo, cs), _mm_mul_sd(hi, _mm_add_sd(dp4, G(0)))));
         else
-            v = g[5] + ((g[6] + d * g[7]) + (lo * cs + hi * dp4));
+            v = _mm_add_sd(_mm_add_sd(_mm_add_sd(_mm_mul_sd(d, G(7)), G(6)),
+                                      _mm_add_sd(_mm_mul_sd(lo, cs), _mm_mul_sd(hi, dp4))),
+                           G(5));
     }
-    return flip_by(v, sign);
-}
-
-[[gnu::cold, gnu::noinline]] Reduced reduce_beyond_ladder(double a) {
-    return a < XBIG ? reduce_medium(a) : reduce_large(a);
+    return _mm_cvtsd_f64(_mm_xor_pd(v, sign));
 }
 
 template <bool cosine>
-double sin_or_cos(double x);
+double sin_or_cos(const double* arg);
 
 // Refused argument (too large, infinite or NaN): report 203; a retry starts
 // again from the top with the corrected argument.
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] double refuse(double x) {
     const report::Verdict v = report::direct(203, x);
-    if (v.retry) return sin_or_cos<cosine>(x);
+    if (v.retry) return sin_or_cos<cosine>(&x);
     return v.ieee_results ? _NaN_D : double_from_bits(kSubstitute);
 }
 
-// Sine (cosine = false) or cosine of x.  The hot path is a leaf: reports
-// and the larger reductions are out of line.
+// 1.05e8 <= |x| < 3.53e15, out of line.
 template <bool cosine>
-double sin_or_cos(double x) {
-    const double a = magnitude(x);
-    Reduced r;
-    if (a < Q9P) {
-        r = ladder(a);
-    } else if (a < DSINMX) {
-        r = reduce_beyond_ladder(a);
-    } else {
-        return refuse<cosine>(x);
-    }
-    if constexpr (cosine) return evaluate(r.hi, r.lo, r.k + 1);
-    return flip_by(evaluate(r.hi, r.lo, r.k), sign_of(x));
+[[gnu::cold, gnu::noinline]] double beyond_xbig(Sd xv, Sd a) {
+    const Reduced r = reduce_large(_mm_cvtsd_f64(a));
+    const ReducedLanes rl{sd(r.hi), sd(r.lo), r.k};
+    if constexpr (cosine) return evaluate(rl, r.k + 1, _mm_setzero_pd());
+    return evaluate(rl, r.k, _mm_and_pd(xv, lanes(kSignMask)));
 }
 
-// Both lanes at once when both |x| <= 1.05e8: the step-7 reduction for every
-// lane (k = 0 for small ones), the same evaluation as `evaluate` with the
-// table row chosen per lane, so a lane gives the scalar result whenever the
-// two reductions agree (always below pi/4 and above 9pi/4).
-// Constants of the two-lane code, each stored twice in a row (one aligned
-// 16-byte pair), read through a pointer the compiler cannot see through, so
-// that each is one memory operand instead of a scalar load and a shuffle.
+// Sine (cosine = false) or cosine of *arg.  The hot path is a leaf:
+// reports and the largest reduction are out of line.
+template <bool cosine>
+double sin_or_cos(const double* arg) {
+    const Sd xv = _mm_load_sd(arg);
+    const Sd a = _mm_andnot_pd(lanes(kSignMask), xv);
+    // Plain comparisons: false for a NaN, which falls through to the refusal.
+    const double ad = _mm_cvtsd_f64(a);
+    ReducedLanes r;
+    if (ad < Q9P) {
+        r = ladder(a);
+    } else if (ad < XBIG) {
+        r = reduce_medium_lanes(a);
+    } else if (ad < DSINMX) {
+        return beyond_xbig<cosine>(xv, a);
+    } else {
+        return refuse<cosine>(_mm_cvtsd_f64(xv));
+    }
+    if constexpr (cosine) return evaluate(r, r.k + 1, _mm_setzero_pd());
+    return evaluate(r, r.k, _mm_and_pd(xv, lanes(kSignMask)));
+}
+
+// Both lanes at once when both |x| <= 1.05e8: the step-7 reduction of both
+// lanes together (k for every lane, k = 0 for small ones), then each lane's
+// reduced argument through `evaluate`, so a lane gives the scalar result
+// whenever the two reductions agree (always below pi/4 and above 9pi/4).
+// Evaluating the lanes one after the other is faster than a two-lane
+// evaluation: the two lanes' table rows differ, and one expression covering
+// the sine, small-sine and cosine forms with masks costs more instructions
+// than the two branchy scalar ones.
+// Constants of the two-lane reduction, each stored twice in a row (one
+// aligned 16-byte pair), read through a pointer the compiler cannot see
+// through, so that each is one memory operand instead of a scalar load and
+// a shuffle.
 struct alignas(16) PackedConstants {
     double kSigns[2] = {-0.0, -0.0};
-    double kHalf2[2] = {0.5, 0.5};
-    double kOne2[2] = {1.0, 1.0};
-    double kC24[2] = {1.0 / 24, 1.0 / 24};
-    double kC6[2] = {1.0 / 6, 1.0 / 6};
     double kBg2[2] = {BG, BG};
-    double kBh2[2] = {BH, BH};
     double kHpa2[2] = {HPA, HPA};
     double kHpb2[2] = {HPB, HPB};
     double kHpd12[2] = {HPD1, HPD1};
     double kHpd22[2] = {HPD2, HPD2};
     double kRhp2[2] = {RHP, RHP};
     double kXbig2[2] = {XBIG, XBIG};
-    double kQuarter2[2] = {kLargeRows / 256.0, kLargeRows / 256.0};
 };
 inline constexpr PackedConstants kPacked{};
 
@@ -191,8 +226,8 @@ __m128d packed(__m128d x) {
     if (_mm_movemask_pd(_mm_cmple_pd(a, _mm_load_pd(K->kXbig2))) != 3) {
         alignas(16) double lane[2];
         _mm_store_pd(lane, x);
-        const double r0 = sin_or_cos<cosine>(lane[0]);  // as g_dsin / g_dcos would
-        const double r1 = sin_or_cos<cosine>(lane[1]);
+        const double r0 = sin_or_cos<cosine>(&lane[0]);  // as g_dsin / g_dcos would
+        const double r1 = sin_or_cos<cosine>(&lane[1]);
         return _mm_set_pd(r1, r0);
     }
     const __m128d bg = _mm_load_pd(K->kBg2);
@@ -201,70 +236,19 @@ __m128d packed(__m128d x) {
     const __m128d p = _mm_sub_pd(_mm_sub_pd(a, _mm_mul_pd(kd, _mm_load_pd(K->kHpa2))),
                                  _mm_mul_pd(kd, _mm_load_pd(K->kHpb2)));
     const __m128d mt = _mm_xor_pd(_mm_mul_pd(kd, _mm_load_pd(K->kHpd12)), signs);  // -k HPD1
-    __m128d hi = _mm_add_pd(p, mt);
+    const __m128d hi = _mm_add_pd(p, mt);
     const __m128d bb = _mm_sub_pd(hi, p);
     const __m128d e = _mm_add_pd(_mm_sub_pd(p, _mm_sub_pd(hi, bb)), _mm_sub_pd(mt, bb));
-    __m128d lo = _mm_sub_pd(e, _mm_mul_pd(kd, _mm_load_pd(K->kHpd22)));
+    const __m128d lo = _mm_sub_pd(e, _mm_mul_pd(kd, _mm_load_pd(K->kHpd22)));
 
-    // Quadrant n = k (+1 for the cosine) in the low word of each lane of s.
-    const __m128i nv = _mm_add_epi32(_mm_castpd_si128(s), _mm_set1_epi32(cosine ? 1 : 0));
-    const __m128i odd = _mm_and_si128(nv, _mm_set1_epi32(1));
-
-    const __m128d flip = _mm_and_pd(hi, signs);  // sign of the reduced argument
-    hi = _mm_xor_pd(hi, flip);
-    lo = _mm_xor_pd(lo, flip);
-
-    const __m128d bh = _mm_load_pd(K->kBh2);
-    const __m128d jb = _mm_add_pd(hi, bh);
-    const __m128d tj = _mm_sub_pd(jb, bh);
-    const __m128d d = _mm_sub_pd(hi, tj);
-    // Row index 2 j + (n & 1) of the 64-byte rows of sc, per lane.
-    const __m128i row = _mm_or_si128(
-        _mm_slli_epi32(_mm_and_si128(_mm_castpd_si128(jb), _mm_set1_epi32(0x3FF)), 1), odd);
-    const std::uint32_t i0 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(row));
-    const std::uint32_t i1 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_unpackhi_epi64(row, row)));
-    const double* row0 = tab::sc[0][0] + 8 * i0;
-    const double* row1 = tab::sc[0][0] + 8 * i1;
-    __m128d g[8];
-    for (int i = 0; i < 8; i += 2) {
-        const __m128d r = _mm_load_pd(row0 + i), t = _mm_load_pd(row1 + i);
-        g[i] = _mm_unpacklo_pd(r, t);
-        g[i + 1] = _mm_unpackhi_pd(r, t);
-    }
-    // As `evaluate`, written X + ((Y + d W) + (lo C + M (Q + d P4))):
-    //   cosine rows:       X = c0, Y = cl, W = 0,  C = -sn, M = 1,  Q = 0;
-    //   small sine rows:   X = hi, Y = 0,  W = 0,  C = cs,  M = hi, Q = s0;
-    //   large sine rows:   X = uh, Y = ul, W = w,  C = cs,  M = hi, Q = 0;
-    // the zero terms drop out exactly, so each lane gives the scalar bits.
-    const __m128d one = _mm_load_pd(K->kOne2);
-    const __m128d cosm = _mm_castsi128_pd(
-        _mm_shuffle_epi32(_mm_cmpeq_epi32(odd, _mm_set1_epi32(1)), _MM_SHUFFLE(2, 2, 0, 0)));
-    // j < 64 exactly when j/256 < 1/4.
-    const __m128d below = _mm_cmplt_pd(tj, _mm_load_pd(K->kQuarter2));
-    const __m128d smallm = _mm_andnot_pd(cosm, below);
-    const __m128d largem = _mm_andnot_pd(cosm, _mm_andnot_pd(below, _mm_castsi128_pd(_mm_set1_epi32(-1))));
-    const __m128d sinm = _mm_or_pd(smallm, largem);
-    const __m128d z = _mm_mul_pd(hi, hi);
-    const __m128d cs = _mm_sub_pd(
-        one, _mm_mul_pd(z, _mm_sub_pd(_mm_load_pd(K->kHalf2), _mm_mul_pd(z, _mm_load_pd(K->kC24)))));
-    const __m128d msn = _mm_xor_pd(_mm_mul_pd(hi, _mm_sub_pd(one, _mm_mul_pd(z, _mm_load_pd(K->kC6)))), signs);
-    const __m128d X = _mm_or_pd(_mm_or_pd(_mm_and_pd(cosm, g[0]), _mm_and_pd(smallm, hi)), _mm_and_pd(largem, g[5]));
-    const __m128d Y = _mm_or_pd(_mm_and_pd(cosm, g[5]), _mm_and_pd(largem, g[6]));
-    const __m128d W = _mm_and_pd(largem, g[7]);
-    const __m128d C = _mm_or_pd(_mm_and_pd(cosm, msn), _mm_and_pd(sinm, cs));
-    const __m128d M = _mm_or_pd(_mm_and_pd(cosm, one), _mm_and_pd(sinm, hi));
-    const __m128d Q = _mm_and_pd(smallm, g[0]);
-    const __m128d dp4 = _mm_mul_pd(d, _mm_add_pd(_mm_add_pd(g[1], _mm_mul_pd(g[2], d)),
-                                                 _mm_mul_pd(_mm_mul_pd(d, d), _mm_add_pd(g[3], _mm_mul_pd(g[4], d)))));
-    const __m128d v = _mm_add_pd(X, _mm_add_pd(_mm_add_pd(Y, _mm_mul_pd(d, W)),
-                                               _mm_add_pd(_mm_mul_pd(lo, C), _mm_mul_pd(M, _mm_add_pd(Q, dp4)))));
-
-    // Sign: bit 1 of the quadrant, the sign of r on sine rows, and for the
-    // sine the sign of x.
-    const __m128d quadrant = _mm_castsi128_pd(_mm_slli_epi64(_mm_and_si128(nv, _mm_set1_epi32(2)), 62));
-    __m128d sign = _mm_xor_pd(quadrant, _mm_and_pd(sinm, flip));
-    if (!cosine) sign = _mm_xor_pd(sign, _mm_and_pd(x, signs));
-    return _mm_xor_pd(v, sign);
+    // Quadrant n = k (+1 for the cosine) from the low word of each lane of s.
+    const __m128i kv = _mm_castpd_si128(s);
+    const auto k0 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(kv)) + (cosine ? 1 : 0);
+    const auto k1 = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_unpackhi_epi64(kv, kv))) + (cosine ? 1 : 0);
+    const __m128d sx = cosine ? _mm_setzero_pd() : _mm_and_pd(x, signs);
+    const double v0 = evaluate({hi, lo, k0}, k0, sx);
+    const double v1 = evaluate({_mm_unpackhi_pd(hi, hi), _mm_unpackhi_pd(lo, lo), k1}, k1, _mm_unpackhi_pd(sx, sx));
+    return _mm_set_pd(v1, v0);
 }
 
 }  // namespace
@@ -272,7 +256,7 @@ __m128d packed(__m128d x) {
 
 using namespace mivor::elementary;
 
-extern "C" double g_dsin(const double* arg) { return sin_or_cos<false>(*arg); }
-extern "C" double g_dcos(const double* arg) { return sin_or_cos<true>(*arg); }
-extern "C" __m128d pk_dsin(__m128d x) { return packed<false>(x); }
-extern "C" __m128d pk_dcos(__m128d x) { return packed<true>(x); }
+extern "C" MIVOR_DISPATCHED double g_dsin(const double* arg) { return sin_or_cos<false>(arg); }
+extern "C" MIVOR_DISPATCHED double g_dcos(const double* arg) { return sin_or_cos<true>(arg); }
+extern "C" MIVOR_DISPATCHED __m128d pk_dsin(__m128d x) { return packed<false>(x); }
+extern "C" MIVOR_DISPATCHED __m128d pk_dcos(__m128d x) { return packed<true>(x); }

@@ -23,6 +23,7 @@
 // 0x7F7FFFEE.
 #include "elementary/sincos_f_data.h"
 #include "elementary/trig_reduce.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
@@ -125,7 +126,7 @@ float tan_or_cot(float x) {
 
 using namespace mivor::elementary;
 
-extern "C" float g_sin(const float* arg) { return sin_or_cos<false>(*arg); }
-extern "C" float g_cos(const float* arg) { return sin_or_cos<true>(*arg); }
-extern "C" float g_tan(const float* arg) { return tan_or_cot<false>(*arg); }
-extern "C" float g_cotan(const float* arg) { return tan_or_cot<true>(*arg); }
+extern "C" MIVOR_DISPATCHED float g_sin(const float* arg) { return sin_or_cos<false>(*arg); }
+extern "C" MIVOR_DISPATCHED float g_cos(const float* arg) { return sin_or_cos<true>(*arg); }
+extern "C" MIVOR_DISPATCHED float g_tan(const float* arg) { return tan_or_cot<false>(*arg); }
+extern "C" MIVOR_DISPATCHED float g_cotan(const float* arg) { return tan_or_cot<true>(*arg); }

@@ -30,6 +30,7 @@
 #include "elementary/sincos_data.h"
 #include "elementary/tan_data.h"
 #include "elementary/trig_reduce.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
@@ -194,5 +195,5 @@ double tan_or_cot(double x) {
 
 using namespace mivor::elementary;
 
-extern "C" double g_dtan(const double* arg) { return tan_or_cot<false>(*arg); }
-extern "C" double g_dcotan(const double* arg) { return tan_or_cot<true>(*arg); }
+extern "C" MIVOR_DISPATCHED double g_dtan(const double* arg) { return tan_or_cot<false>(*arg); }
+extern "C" MIVOR_DISPATCHED double g_dcotan(const double* arg) { return tan_or_cot<true>(*arg); }

@@ -74,6 +74,13 @@ inline void two_product(double a, double b, double& p, double& e) {
     e = (((ah * bh - p) + ah * bl) + al * bh) + al * bl;
 }
 
+// A reduced argument with hi and lo in lane 0 of SSE registers, for the
+// kernels that keep their doubles there (sign operations without moves).
+struct ReducedLanes {
+    __m128d hi, lo;
+    std::uint32_t k;
+};
+
 // 0 <= a <= 1.05e8.  k = round(a 2/pi) < 2^26.
 //   k HPA (26 + 25 bits) and k HPB (26 + 24 bits) are exact; a - k HPA is a
 //   multiple of ulp(a) (>= 2^-53 once k >= 1) below 2 and k HPB a multiple of
@@ -82,13 +89,24 @@ inline void two_product(double a, double b, double& p, double& e) {
 //   |hi + lo - (a - k pi/2)| <= 2^-106 + 2^26 2^-130 < 2^-105.
 // The bound is absolute: close to a multiple of pi/2 it is what limits the
 // relative accuracy of the reduced argument.
+inline ReducedLanes reduce_medium_lanes(__m128d a) {
+    const __m128d bg = _mm_set_sd(BG);
+    const __m128d s = _mm_add_sd(_mm_mul_sd(a, _mm_set_sd(RHP)), bg);
+    const __m128d kd = _mm_sub_sd(s, bg);
+    const __m128d p = _mm_sub_sd(_mm_sub_sd(a, _mm_mul_sd(kd, _mm_set_sd(HPA))), _mm_mul_sd(kd, _mm_set_sd(HPB)));
+    // two_sum(p, -t), t = k HPD1, written with t itself: the negations
+    // commute with rounding to nearest, so hi and e are two_sum's.
+    const __m128d t = _mm_mul_sd(kd, _mm_set_sd(HPD1));
+    const __m128d hi = _mm_sub_sd(p, t);
+    const __m128d bb = _mm_sub_sd(hi, p);
+    const __m128d e = _mm_sub_sd(_mm_sub_sd(p, _mm_sub_sd(hi, bb)), _mm_add_sd(t, bb));
+    return {hi, _mm_sub_sd(e, _mm_mul_sd(kd, _mm_set_sd(HPD2))),
+            static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(s)))};
+}
+
 inline Reduced reduce_medium(double a) {
-    const double s = a * RHP + BG;
-    const double kd = s - BG;
-    const double p = (a - kd * HPA) - kd * HPB;
-    double hi, e;
-    two_sum(p, -(kd * HPD1), hi, e);
-    return {hi, e - kd * HPD2, low32(s)};
+    const ReducedLanes r = reduce_medium_lanes(_mm_set_sd(a));
+    return {_mm_cvtsd_f64(r.hi), _mm_cvtsd_f64(r.lo), r.k};
 }
 
 // 1.05e8 <= a < 3.53e15.  k < 2^51 no longer gives exact products, so k is
