@@ -162,13 +162,18 @@ template <bool cosine>
     return v.ieee_results ? _NaN_D : double_from_bits(kSubstitute);
 }
 
+// The cosine is the sine a quadrant on; the sine takes the sign of x.
+template <bool cosine>
+inline double finish(ReducedLanes r, Sd xv) {
+    if constexpr (cosine) return evaluate(r, r.k + 1, _mm_setzero_pd());
+    return evaluate(r, r.k, _mm_and_pd(xv, lanes(kSignMask)));
+}
+
 // 1.05e8 <= |x| < 3.53e15, out of line.
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] double beyond_xbig(Sd xv, Sd a) {
     const Reduced r = reduce_large(_mm_cvtsd_f64(a));
-    const ReducedLanes rl{sd(r.hi), sd(r.lo), r.k};
-    if constexpr (cosine) return evaluate(rl, r.k + 1, _mm_setzero_pd());
-    return evaluate(rl, r.k, _mm_and_pd(xv, lanes(kSignMask)));
+    return finish<cosine>({sd(r.hi), sd(r.lo), r.k}, xv);
 }
 
 // Sine (cosine = false) or cosine of *arg.  The hot path is a leaf:
@@ -189,8 +194,7 @@ double sin_or_cos(const double* arg) {
     } else {
         return refuse<cosine>(_mm_cvtsd_f64(xv));
     }
-    if constexpr (cosine) return evaluate(r, r.k + 1, _mm_setzero_pd());
-    return evaluate(r, r.k, _mm_and_pd(xv, lanes(kSignMask)));
+    return finish<cosine>(r, xv);
 }
 
 // Both lanes at once when both |x| <= 1.05e8: the step-7 reduction of both
