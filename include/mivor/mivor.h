@@ -127,6 +127,18 @@ MIVOR_API float g_neare2(const float *a0, const void *a1, const int32_t *a2);
 MIVOR_API double g_neared2(const double *a0, const void *a1, const int32_t *a2);
 MIVOR_API mivor_real16 *g_neareq2(mivor_real16 *result, const mivor_real16 *a0, const void *a1, const int32_t *a2);
 
+/* matmul */
+MIVOR_API void g_matmlr(const void *a0);
+MIVOR_API void g_matmld(const void *a0);
+MIVOR_API void g_matmlq(const void *a0);
+MIVOR_API void g_matmlc(const void *a0);
+MIVOR_API void g_matmlx(const void *a0);
+MIVOR_API void g_matmlz(const void *a0);
+MIVOR_API void jwe_gmd2(const void *a0);
+MIVOR_API void jwe_gmx2(const void *a0);
+MIVOR_API void g_mt21blasd(const void *a0);
+MIVOR_API void g_mt22blasd(const void *a0);
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,0 +1,115 @@
+// The GEMM blocking drivers _jwe_gdl_gmnn, _gmnt, _gmtn, _gmtt (A then B,
+// n as stored, t transposed).
+//
+// The inner dimension k is cut into (k - 1) div 128 + 1 blocks: the first
+// has k mod 128 terms (128 when k is a multiple of 128), every later one
+// 128, taken in ascending k.  For every (i, j) the first block starts from
+// the caller's beta and each later block from what the earlier ones left in
+// C (beta exactly 1), so C(i, j) is rounded once per block.  Within a block
+// the kernels keep the even/odd order of the contract (gemm_kernels.h).
+//
+// Nothing else about the blocking changes a bit: the rows and columns are
+// cut into packed blocks and panels of whatever sizes the work area holds
+// (128 rows of op(A) and up to 512 columns of op(B) in the static areas),
+// and the loops over them run in the order that keeps the packed data in
+// cache: columns of C, then k-blocks, then rows; in a block, micro-panels
+// of B outside, of A inside.  op(B) is packed too (values copied, not
+// computed), once per k-block and column panel.
+#include "matmul/gemm.h"
+
+namespace mivor::matmul {
+namespace {
+
+inline std::int32_t min32(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
+
+// op(B)(k0 .. k0 + kb - 1, j0 .. j0 + nb - 1) into micro-panels of nr
+// columns: value (k, c) at k nr + c, zero beyond the last column.  `b`
+// points at the first element as stored.
+template <bool kTrans>
+void pack_b(std::int32_t kb, std::int32_t nb, const double* b, std::int32_t ldb, double* packed, int nr) {
+    for (std::int32_t s = 0; s < nb; s += nr, packed += static_cast<std::ptrdiff_t>(nr) * kb) {
+        const int cols = nb - s < nr ? nb - s : nr;
+        if constexpr (!kTrans) {
+            for (int c = 0; c < nr; ++c) {
+                double* dst = packed + c;
+                if (c < cols) {
+                    const double* src = b + static_cast<std::ptrdiff_t>(s + c) * ldb;
+                    for (std::int32_t k = 0; k < kb; ++k) dst[static_cast<std::ptrdiff_t>(k) * nr] = src[k];
+                } else {
+                    for (std::int32_t k = 0; k < kb; ++k) dst[static_cast<std::ptrdiff_t>(k) * nr] = 0.0;
+                }
+            }
+        } else {
+            const double* src = b + s;
+            for (std::int32_t k = 0; k < kb; ++k, src += ldb) {
+                double* dst = packed + static_cast<std::ptrdiff_t>(k) * nr;
+                int c = 0;
+                for (; c < cols; ++c) dst[c] = src[c];
+                for (; c < nr; ++c) dst[c] = 0.0;
+            }
+        }
+    }
+}
+
+// One tile of C; an edge tile smaller than the kernel's goes through a
+// private tile so that the kernel never touches C outside the product.
+void tile(const GemmKernel& kernel, std::int32_t kb, const double* a, const double* b, double* c, std::int32_t ldc,
+          int rows, int cols, Start start, double beta) {
+    if (rows == kernel.mr && cols == kernel.nr) {
+        kernel.run(kb, a, b, c, ldc, start, beta);
+        return;
+    }
+    alignas(64) double t[kMaxMr * kMaxNr] = {};
+    const int mr = kernel.mr;
+    if (start != Start::zero)
+        for (int j = 0; j < cols; ++j)
+            for (int r = 0; r < rows; ++r) t[j * mr + r] = c[static_cast<std::ptrdiff_t>(j) * ldc + r];
+    kernel.run(kb, a, b, t, mr, start, beta);
+    for (int j = 0; j < cols; ++j)
+        for (int r = 0; r < rows; ++r) c[static_cast<std::ptrdiff_t>(j) * ldc + r] = t[j * mr + r];
+}
+
+template <bool kTransA, bool kTransB>
+void drive(const GemmProblem& p, const WorkArea& w, const GemmKernel& kernel) {
+    const int mr = kernel.mr, nr = kernel.nr;
+    const std::int32_t first = p.k % kKBlock == 0 ? kKBlock : p.k % kKBlock;
+    for (std::int32_t jc = 0; jc < p.n; jc += w.nc) {
+        const std::int32_t nb = min32(w.nc, p.n - jc);
+        std::int32_t kb = first;
+        for (std::int32_t k0 = 0; k0 < p.k; k0 += kb, kb = kKBlock) {
+            // A NaN beta is not 1 and not 0: it scales.
+            const Start start = k0 > 0 || p.beta == 1.0 ? Start::copy : p.beta == 0.0 ? Start::zero : Start::scale;
+            const double* b0 = kTransB ? p.b + jc + static_cast<std::ptrdiff_t>(k0) * p.ldb
+                                       : p.b + k0 + static_cast<std::ptrdiff_t>(jc) * p.ldb;
+            pack_b<kTransB>(kb, nb, b0, p.ldb, w.b, nr);
+            for (std::int32_t ic = 0; ic < p.m; ic += w.mc) {
+                const std::int32_t mb = min32(w.mc, p.m - ic);
+                if constexpr (kTransA)
+                    _jwe_gdl_gmcopya_t(mb, kb, p.alpha, p.a + k0 + static_cast<std::ptrdiff_t>(ic) * p.lda, p.lda,
+                                       w.a, mr);
+                else
+                    _jwe_gdl_gmcopya_n(mb, kb, p.alpha, p.a + ic + static_cast<std::ptrdiff_t>(k0) * p.lda, p.lda,
+                                       w.a, mr);
+                for (std::int32_t jr = 0; jr < nb; jr += nr) {
+                    const double* bp = w.b + static_cast<std::ptrdiff_t>(jr) * kb;
+                    double* cc = p.c + ic + static_cast<std::ptrdiff_t>(jc + jr) * p.ldc;
+                    const int cols = nb - jr < nr ? nb - jr : nr;
+                    for (std::int32_t ir = 0; ir < mb; ir += mr) {
+                        const int rows = mb - ir < mr ? mb - ir : mr;
+                        tile(kernel, kb, w.a + static_cast<std::ptrdiff_t>(ir) * kb, bp, cc + ir, p.ldc, rows, cols,
+                             start, p.beta);
+                    }
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
+
+void _jwe_gdl_gmnn(const GemmProblem& p, const WorkArea& w, const GemmKernel& k) { drive<false, false>(p, w, k); }
+void _jwe_gdl_gmnt(const GemmProblem& p, const WorkArea& w, const GemmKernel& k) { drive<false, true>(p, w, k); }
+void _jwe_gdl_gmtn(const GemmProblem& p, const WorkArea& w, const GemmKernel& k) { drive<true, false>(p, w, k); }
+void _jwe_gdl_gmtt(const GemmProblem& p, const WorkArea& w, const GemmKernel& k) { drive<true, true>(p, w, k); }
+
+}  // namespace mivor::matmul

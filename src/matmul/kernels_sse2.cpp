@@ -1,0 +1,48 @@
+// The SSE2 GEMM and GEMV kernels, on every flavour: two rows per register.
+// x86-64 has sixteen vector registers and takes a 4 x 3 GEMM tile (12
+// accumulators); the 32-bit targets have eight and take 2 x 2.  Contracts:
+// gemm_kernels.h, gemv_kernels.h.
+#include <emmintrin.h>
+
+#include "matmul/gemm_simd.h"
+#include "matmul/gemv_simd.h"
+
+namespace mivor::matmul {
+namespace {
+
+struct Sse2 {
+    using V = __m128d;
+    static constexpr int kLanes = 2;
+    static V zero() { return _mm_setzero_pd(); }
+    static V set1(double x) { return _mm_set1_pd(x); }
+    static V load(const double* p) { return _mm_load_pd(p); }
+    static V loadu(const double* p) { return _mm_loadu_pd(p); }
+    static V broadcast(const double* p) { return _mm_load1_pd(p); }
+    static V add(V x, V y) { return _mm_add_pd(x, y); }
+    static V mul(V x, V y) { return _mm_mul_pd(x, y); }
+    static void storeu(double* p, V x) { _mm_storeu_pd(p, x); }
+};
+
+#if defined(__x86_64__)
+constexpr int kMv = 2, kNr = 3;
+#else
+constexpr int kMv = 1, kNr = 2;
+#endif
+
+bool always() { return true; }
+
+// GEMV: rows or columns at once, as the registers allow.
+#if defined(__x86_64__)
+constexpr int kGemvRows = 8, kGemvCols = 2;
+#else
+constexpr int kGemvRows = 4, kGemvCols = 1;
+#endif
+
+}  // namespace
+
+const GemmKernel kGemmKernelSse2 = {"sse2", kMv * Sse2::kLanes, kNr, &always, &simd_kernel<Sse2, kMv, kNr>};
+
+const GemvKernel kGemvKernelSse2 = {"sse2", &always, &simd_n_rows<Sse2, kGemvRows>,
+                                    &simd_t_cols<Sse2, kGemvCols>};
+
+}  // namespace mivor::matmul
