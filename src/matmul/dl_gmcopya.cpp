@@ -7,17 +7,21 @@
 
 namespace mivor::matmul {
 
-// A as stored: rows of the block run down a column, so each k gives mr
-// adjacent values.
+// A as stored: each column of the block is read once, top to bottom, and
+// dealt out to the micro-panels (mr adjacent values per panel and k).
 void _jwe_gdl_gmcopya_n(std::int32_t mb, std::int32_t kb, double alpha, const double* a, std::int32_t lda,
                         double* packed, int mr) {
-    for (std::int32_t s = 0; s < mb; s += mr, packed += static_cast<std::ptrdiff_t>(mr) * kb) {
-        const int rows = mb - s < mr ? mb - s : mr;
-        const double* src = a + s;
-        for (std::int32_t k = 0; k < kb; ++k, src += lda) {
-            double* dst = packed + static_cast<std::ptrdiff_t>(k) * mr;
+    const std::int32_t full = mb / mr * mr;
+    const std::ptrdiff_t panel = static_cast<std::ptrdiff_t>(mr) * kb;
+    for (std::int32_t k = 0; k < kb; ++k) {
+        const double* src = a + static_cast<std::ptrdiff_t>(k) * lda;
+        double* dst = packed + static_cast<std::ptrdiff_t>(k) * mr;
+        std::int32_t i = 0;
+        for (; i < full; i += mr, dst += panel)
+            for (int r = 0; r < mr; ++r) dst[r] = alpha * src[i + r];
+        if (i < mb) {
             int r = 0;
-            for (; r < rows; ++r) dst[r] = alpha * src[r];
+            for (; i + r < mb; ++r) dst[r] = alpha * src[i + r];
             for (; r < mr; ++r) dst[r] = 0.0;
         }
     }

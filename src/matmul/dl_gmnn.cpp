@@ -10,11 +10,12 @@
 //
 // Nothing else about the blocking changes a bit: the rows and columns are
 // cut into packed blocks and panels of whatever sizes the work area holds
-// (128 rows of op(A) and up to 512 columns of op(B) in the static areas),
-// and the loops over them run in the order that keeps the packed data in
-// cache: columns of C, then k-blocks, then rows; in a block, micro-panels
-// of B outside, of A inside.  op(B) is packed too (values copied, not
-// computed), once per k-block and column panel.
+// (in the static areas 128 rows of op(A) and 512 columns of op(B) at depth
+// 128, proportionally more for a shorter k-block, so that a rank-7 update
+// walks long columns of C), and the loops over them run in the order that
+// keeps the packed data in cache: columns of C, then k-blocks, then rows;
+// in a block, micro-panels of B outside, of A inside.  op(B) is packed too
+// (values copied, not computed), once per k-block and column panel.
 #include "matmul/gemm.h"
 
 namespace mivor::matmul {
@@ -51,30 +52,31 @@ void pack_b(std::int32_t kb, std::int32_t nb, const double* b, std::int32_t ldb,
     }
 }
 
-// One tile of C; an edge tile smaller than the kernel's goes through a
-// private tile so that the kernel never touches C outside the product.
-void tile(const GemmKernel& kernel, std::int32_t kb, const double* a, const double* b, double* c, std::int32_t ldc,
-          int rows, int cols, Start start, double beta) {
-    if (rows == kernel.mr && cols == kernel.nr) {
-        kernel.run(kb, a, b, c, ldc, start, beta);
-        return;
-    }
+// An edge tile, smaller than the kernel's, goes through a private tile so
+// that the kernel never touches C outside the product.
+void edge_tile(const GemmKernel& kernel, std::int32_t kb, const double* a, const double* b, double* c,
+               std::int32_t ldc, int rows, int cols, Start start, double beta) {
     alignas(64) double t[kMaxMr * kMaxNr] = {};
     const int mr = kernel.mr;
     if (start != Start::zero)
         for (int j = 0; j < cols; ++j)
             for (int r = 0; r < rows; ++r) t[j * mr + r] = c[static_cast<std::ptrdiff_t>(j) * ldc + r];
-    kernel.run(kb, a, b, t, mr, start, beta);
+    kernel.run(kb, 1, a, b, t, mr, start, beta);
     for (int j = 0; j < cols; ++j)
         for (int r = 0; r < rows; ++r) c[static_cast<std::ptrdiff_t>(j) * ldc + r] = t[j * mr + r];
 }
+
+// As many whole micro-panels of `unit` as `size` doubles hold at depth kb.
+inline std::int32_t fit(std::int32_t size, std::int32_t kb, int unit) { return size / kb / unit * unit; }
 
 template <bool kTransA, bool kTransB>
 void drive(const GemmProblem& p, const WorkArea& w, const GemmKernel& kernel) {
     const int mr = kernel.mr, nr = kernel.nr;
     const std::int32_t first = p.k % kKBlock == 0 ? kKBlock : p.k % kKBlock;
-    for (std::int32_t jc = 0; jc < p.n; jc += w.nc) {
-        const std::int32_t nb = min32(w.nc, p.n - jc);
+    // Columns per panel for the deepest k-block; rows per block for each.
+    const std::int32_t nc = fit(w.b_size, p.k < kKBlock ? p.k : kKBlock, nr);
+    for (std::int32_t jc = 0; jc < p.n; jc += nc) {
+        const std::int32_t nb = min32(nc, p.n - jc);
         std::int32_t kb = first;
         for (std::int32_t k0 = 0; k0 < p.k; k0 += kb, kb = kKBlock) {
             // A NaN beta is not 1 and not 0: it scales.
@@ -82,8 +84,9 @@ void drive(const GemmProblem& p, const WorkArea& w, const GemmKernel& kernel) {
             const double* b0 = kTransB ? p.b + jc + static_cast<std::ptrdiff_t>(k0) * p.ldb
                                        : p.b + k0 + static_cast<std::ptrdiff_t>(jc) * p.ldb;
             pack_b<kTransB>(kb, nb, b0, p.ldb, w.b, nr);
-            for (std::int32_t ic = 0; ic < p.m; ic += w.mc) {
-                const std::int32_t mb = min32(w.mc, p.m - ic);
+            const std::int32_t mc = fit(w.a_size, kb, mr);
+            for (std::int32_t ic = 0; ic < p.m; ic += mc) {
+                const std::int32_t mb = min32(mc, p.m - ic);
                 if constexpr (kTransA)
                     _jwe_gdl_gmcopya_t(mb, kb, p.alpha, p.a + k0 + static_cast<std::ptrdiff_t>(ic) * p.lda, p.lda,
                                        w.a, mr);
@@ -94,10 +97,16 @@ void drive(const GemmProblem& p, const WorkArea& w, const GemmKernel& kernel) {
                     const double* bp = w.b + static_cast<std::ptrdiff_t>(jr) * kb;
                     double* cc = p.c + ic + static_cast<std::ptrdiff_t>(jc + jr) * p.ldc;
                     const int cols = nb - jr < nr ? nb - jr : nr;
-                    for (std::int32_t ir = 0; ir < mb; ir += mr) {
+                    std::int32_t ir = 0;
+                    if (cols == nr) {
+                        const std::int32_t tiles = mb / mr;
+                        kernel.run(kb, tiles, w.a, bp, cc, p.ldc, start, p.beta);
+                        ir = tiles * mr;
+                    }
+                    for (; ir < mb; ir += mr) {
                         const int rows = mb - ir < mr ? mb - ir : mr;
-                        tile(kernel, kb, w.a + static_cast<std::ptrdiff_t>(ir) * kb, bp, cc + ir, p.ldc, rows, cols,
-                             start, p.beta);
+                        edge_tile(kernel, kb, w.a + static_cast<std::ptrdiff_t>(ir) * kb, bp, cc + ir, p.ldc, rows,
+                                  cols, start, p.beta);
                     }
                 }
             }

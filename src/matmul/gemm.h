@@ -45,13 +45,14 @@ struct GemmProblem {
     std::int32_t ldc;
 };
 
-// A work area: the packed block of alpha op(A) (mc rows of a k-block) and
-// the packed panel of op(B) (a k-block of nc columns), 64-byte aligned.
+// A work area: room for the packed block of alpha op(A) and the packed
+// panel of op(B), 64-byte aligned, in doubles.  The drivers size their
+// blocks to it: a short k-block gets correspondingly more rows and columns.
 struct WorkArea {
     double* a;
     double* b;
-    std::int32_t mc;  // rows of a packed block, a multiple of the kernel's MR
-    std::int32_t nc;  // columns of a packed panel, a multiple of the kernel's NR
+    std::int32_t a_size;  // at least kKBlock x the widest kernel's MR
+    std::int32_t b_size;  // at least kKBlock x the widest kernel's NR
 };
 
 // The inner dimension is cut into blocks of kKBlock: the short block first.

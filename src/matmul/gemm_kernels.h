@@ -37,8 +37,10 @@
 // arithmetic does.
 //
 // The packed panels are zero-padded to full MR rows and NR columns; a
-// kernel always computes the whole tile, and the driver gives it a private
-// tile to write when the real one is smaller (gemm_tile below).
+// kernel always computes whole tiles, and the driver gives it a private
+// tile to write when the real one is smaller.  A call computes a run of
+// tiles down a strip of C, one after the other, so that the call costs
+// little against a short k-block and the kernel can fetch ahead.
 //
 // Start::copy is the case beta = 1 (1.0 x C is C, bit for bit, for every C
 // but a signalling NaN, which the first addition quiets the same way).
@@ -52,8 +54,10 @@ namespace mivor::matmul {
 
 enum class Start { zero, copy, scale };
 
-using GemmKernelFn = void (*)(int kb, const double* a, const double* b, double* c, std::ptrdiff_t ldc, Start start,
-                              double beta);
+// `tiles` tiles down a column strip: tile t takes the micro-panel at
+// a + t MR kb and C from c + t MR, all with the same micro-panel of B.
+using GemmKernelFn = void (*)(int kb, int tiles, const double* a, const double* b, double* c, std::ptrdiff_t ldc,
+                              Start start, double beta);
 
 struct GemmKernel {
     const char* name;

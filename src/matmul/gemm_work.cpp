@@ -35,8 +35,6 @@ std::atomic<bool> g_taken[kStaticAreas];
 constexpr std::int32_t kStackRows = kMaxMr;
 constexpr std::int32_t kStackCols = 12;
 
-std::int32_t round_down(std::int32_t v, int unit) { return v / unit * unit; }
-
 void run_driver(bool transa, bool transb, const GemmProblem& p, const WorkArea& w, const GemmKernel& kernel) {
     if (!transa && !transb) _jwe_gdl_gmnn(p, w, kernel);
     else if (!transa) _jwe_gdl_gmnt(p, w, kernel);
@@ -51,14 +49,14 @@ void blocked_gemm(bool transa, bool transb, const GemmProblem& p, const GemmKern
     for (int s = 0; static_area && s < kStaticAreas; ++s) {
         if (g_taken[s].load(std::memory_order_relaxed) || g_taken[s].exchange(true, std::memory_order_acquire))
             continue;
-        const WorkArea w{g_areas[s].a, g_areas[s].b, round_down(kStaticRows, k.mr), round_down(kStaticCols, k.nr)};
+        const WorkArea w{g_areas[s].a, g_areas[s].b, kStaticRows * kKBlock, kKBlock * kStaticCols};
         run_driver(transa, transb, p, w, k);
         g_taken[s].store(false, std::memory_order_release);
         return;
     }
     alignas(64) double a[kStackRows * kKBlock];
     alignas(64) double b[kKBlock * kStackCols];
-    const WorkArea w{a, b, round_down(kStackRows, k.mr), round_down(kStackCols, k.nr)};
+    const WorkArea w{a, b, kStackRows * kKBlock, kKBlock * kStackCols};
     run_driver(transa, transb, p, w, k);
 }
 

@@ -10,7 +10,8 @@
 // contiguous y,
 //     s = +0.0;  s = s + A(i, j) x(j)  for j = 0 .. n-1 ascending;
 //     y(i) = y(i) + alpha s.
-// One chain per row; vector kernels run rows along the lanes.  x(j) is at
+// One chain per row; vector kernels run rows along the lanes and keep the
+// chains in memory while columns stream past.  x(j) is at
 // x + j incx, any nonzero incx (the caller points x at the first element
 // in the walking order).
 //

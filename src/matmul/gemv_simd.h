@@ -11,39 +11,51 @@
 namespace mivor::matmul {
 namespace {
 
-// n_rows on MV vectors of rows at once (MV chains), then narrower blocks
-// and single rows for the rest.
-template <class Ops, int MV>
-void rows_block(std::int32_t n, double alpha, const double* a, std::ptrdiff_t lda, const double* x,
-                std::ptrdiff_t incx, double* y) {
+// n_rows: the running sums of a chunk of rows live in a buffer on the
+// stack, and the columns stream past them NC at a time (each column read
+// front to back, as memory and its prefetchers like), each sum taking its
+// terms in ascending j.  Then y = y + alpha s for the chunk.
+constexpr std::int32_t kRowChunk = 2048;
+
+template <class Ops, int NC>
+void rows_chunk(std::int32_t m, std::int32_t n, double alpha, const double* a, std::ptrdiff_t lda,
+                const double* x, std::ptrdiff_t incx, double* y, double* s) {
     using V = typename Ops::V;
     constexpr int L = Ops::kLanes;
-    V s[MV];
-    for (int v = 0; v < MV; ++v) s[v] = Ops::zero();
-    for (std::int32_t j = 0; j < n; ++j) {
-        const V xj = Ops::broadcast(x + j * incx);
+    const std::int32_t mv = m / L * L;
+    for (std::int32_t i = 0; i < m; ++i) s[i] = 0.0;
+    std::int32_t j = 0;
+    for (; j + NC <= n; j += NC) {
         const double* aj = a + j * lda;
-        for (int v = 0; v < MV; ++v) s[v] = Ops::add(s[v], Ops::mul(Ops::loadu(aj + v * L), xj));
+        V xv[NC];
+        for (int c = 0; c < NC; ++c) xv[c] = Ops::broadcast(x + (j + c) * incx);
+        for (std::int32_t i = 0; i < mv; i += L) {
+            V acc = Ops::loadu(s + i);
+            for (int c = 0; c < NC; ++c) acc = Ops::add(acc, Ops::mul(Ops::loadu(aj + c * lda + i), xv[c]));
+            Ops::storeu(s + i, acc);
+        }
+        for (std::int32_t i = mv; i < m; ++i) {
+            double acc = s[i];
+            for (int c = 0; c < NC; ++c) acc = acc + aj[c * lda + i] * x[(j + c) * incx];
+            s[i] = acc;
+        }
     }
-    const V va = Ops::set1(alpha);
-    for (int v = 0; v < MV; ++v) Ops::storeu(y + v * L, Ops::add(Ops::loadu(y + v * L), Ops::mul(va, s[v])));
+    for (; j < n; ++j) {
+        const double* aj = a + j * lda;
+        const double xj = x[j * incx];
+        for (std::int32_t i = 0; i < m; ++i) s[i] = s[i] + aj[i] * xj;
+    }
+    for (std::int32_t i = 0; i < m; ++i) y[i] = y[i] + alpha * s[i];
 }
 
-inline void row_single(std::int32_t n, double alpha, const double* a, std::ptrdiff_t lda, const double* x,
-                       std::ptrdiff_t incx, double* y) {
-    double s = 0.0;
-    for (std::int32_t j = 0; j < n; ++j) s = s + a[j * lda] * x[j * incx];
-    *y = *y + alpha * s;
-}
-
-template <class Ops, int MV>
+template <class Ops, int NC>
 void simd_n_rows(std::int32_t m, std::int32_t n, double alpha, const double* a, std::int32_t lda, const double* x,
                  std::int32_t incx, double* y) {
-    constexpr int R = MV * Ops::kLanes;
-    std::int32_t i = 0;
-    for (; i + R <= m; i += R) rows_block<Ops, MV>(n, alpha, a + i, lda, x, incx, y + i);
-    for (; i + Ops::kLanes <= m; i += Ops::kLanes) rows_block<Ops, 1>(n, alpha, a + i, lda, x, incx, y + i);
-    for (; i < m; ++i) row_single(n, alpha, a + i, lda, x, incx, y + i);
+    alignas(64) double s[kRowChunk];
+    for (std::int32_t i0 = 0; i0 < m; i0 += kRowChunk) {
+        const std::int32_t len = m - i0 < kRowChunk ? m - i0 : kRowChunk;
+        rows_chunk<Ops, NC>(len, n, alpha, a + i0, lda, x, incx, y + i0, s);
+    }
 }
 
 // t_cols on NC columns at once: 8 / L vectors of parts per column.

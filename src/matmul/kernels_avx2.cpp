@@ -21,6 +21,7 @@ struct Avx2 {
     static V loadu(const double* p) { return _mm256_loadu_pd(p); }
     static V broadcast(const double* p) { return _mm256_broadcast_sd(p); }
     static V add(V x, V y) { return _mm256_add_pd(x, y); }
+    static V mul_broadcast(V x, const double* p) { return mul(x, broadcast(p)); }
     static V mul(V x, V y) { return _mm256_mul_pd(x, y); }
     static void storeu(double* p, V x) { _mm256_storeu_pd(p, x); }
 };
@@ -29,14 +30,15 @@ constexpr int kMv = 2, kNr = 3;
 
 bool supported() { return __builtin_cpu_supports("avx2"); }
 
-// GEMV: rows or columns at once.
-constexpr int kGemvRows = 8, kGemvCols = 4;
+// GEMV: columns streaming past the sums (A as stored), columns summed at
+// once (A transposed).
+constexpr int kGemvStreams = 8, kGemvCols = 4;
 
 }  // namespace
 
 const GemmKernel kGemmKernelAvx2 = {"avx2", kMv * Avx2::kLanes, kNr, &supported, &simd_kernel<Avx2, kMv, kNr>};
 
-const GemvKernel kGemvKernelAvx2 = {"avx2", &supported, &simd_n_rows<Avx2, kGemvRows>,
+const GemvKernel kGemvKernelAvx2 = {"avx2", &supported, &simd_n_rows<Avx2, kGemvStreams>,
                                     &simd_t_cols<Avx2, kGemvCols>};
 
 }  // namespace mivor::matmul

@@ -19,6 +19,7 @@ struct Sse2 {
     static V loadu(const double* p) { return _mm_loadu_pd(p); }
     static V broadcast(const double* p) { return _mm_load1_pd(p); }
     static V add(V x, V y) { return _mm_add_pd(x, y); }
+    static V mul_broadcast(V x, const double* p) { return mul(x, broadcast(p)); }
     static V mul(V x, V y) { return _mm_mul_pd(x, y); }
     static void storeu(double* p, V x) { _mm_storeu_pd(p, x); }
 };
@@ -31,18 +32,19 @@ constexpr int kMv = 1, kNr = 2;
 
 bool always() { return true; }
 
-// GEMV: rows or columns at once, as the registers allow.
+// GEMV: columns streaming past the sums (A as stored), columns summed at
+// once (A transposed), as the registers allow.
 #if defined(__x86_64__)
-constexpr int kGemvRows = 8, kGemvCols = 2;
+constexpr int kGemvStreams = 4, kGemvCols = 2;
 #else
-constexpr int kGemvRows = 4, kGemvCols = 1;
+constexpr int kGemvStreams = 4, kGemvCols = 1;
 #endif
 
 }  // namespace
 
 const GemmKernel kGemmKernelSse2 = {"sse2", kMv * Sse2::kLanes, kNr, &always, &simd_kernel<Sse2, kMv, kNr>};
 
-const GemvKernel kGemvKernelSse2 = {"sse2", &always, &simd_n_rows<Sse2, kGemvRows>,
+const GemvKernel kGemvKernelSse2 = {"sse2", &always, &simd_n_rows<Sse2, kGemvStreams>,
                                     &simd_t_cols<Sse2, kGemvCols>};
 
 }  // namespace mivor::matmul
