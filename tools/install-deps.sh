@@ -21,10 +21,14 @@ PACKAGES=(
   googletest libgtest-dev libbenchmark-dev
   libmpfr-dev libgmp-dev sollya
   gfortran libopenblas-dev
+  libblas-test
 )
 
 # Google Benchmark for the i386 flavour's benchmarks.
 I386_PACKAGES=(libbenchmark-dev:i386)
+# Wanted but not required: the i386 matrix benchmark's peer.  Without it
+# the i386 flavour builds no matmul_bench.
+OPTIONAL_PACKAGES=(libopenblas-dev:i386)
 
 missing=()
 for p in "${PACKAGES[@]}" "${I386_PACKAGES[@]}"; do
@@ -39,6 +43,13 @@ if [ ${#missing[@]} -gt 0 ]; then
     exit 1
   }
 fi
+
+for p in "${OPTIONAL_PACKAGES[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
+    $SUDO apt-get -q install -y --no-install-recommends "$p" >/dev/null 2>&1 ||
+      echo "install-deps: optional $p could not be installed; going on without it" >&2
+  fi
+done
 
 if [ "${1:-}" = "--wine" ]; then
   if command -v wine >/dev/null 2>&1 && dpkg-query -W -f='${Status}' wine32:i386 2>/dev/null | grep -q "ok installed"; then

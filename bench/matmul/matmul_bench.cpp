@@ -174,8 +174,11 @@ void add_matmul(const char* op, void (*mine)(const void*), void (*gf)(int, int, 
 
 // ---- ceilings -------------------------------------------------------------
 
-// Independent multiplies and adds, half of each, in as many chains as keep
-// both kinds of unit busy; the best of a few timed runs.
+// What the kernels' inner loops could reach at best: acc = acc + x * y on
+// registers, as many independent accumulators as the registers allow, so
+// that only the multiply and add units limit it (no fused multiply-add for
+// the library's ceiling; the FMA rate beside it for comparison, which is
+// what OpenBLAS runs on).  The best of a few timed runs.
 template <class F>
 double best_gflops(F body, double flops) {
     double best = 0;
@@ -188,63 +191,90 @@ double best_gflops(F body, double flops) {
     return best;
 }
 
-constexpr long kPeakLoops = 20000000;
+constexpr long kPeakLoops = 4000000;
 
-#define MIVOR_PEAK_BODY(V, SET1, MUL, ADD, LANES)                                            \
-    V m0 = SET1(1.0), m1 = m0, m2 = m0, m3 = m0, m4 = m0, m5 = m0, m6 = m0, m7 = m0;         \
-    V a0 = SET1(0.0), a1 = a0, a2 = a0, a3 = a0, a4 = a0, a5 = a0, a6 = a0, a7 = a0;         \
-    const V f = SET1(1.0000000001), g = SET1(1e-300);                                        \
-    for (long i = 0; i < kPeakLoops; ++i) {                                                  \
-        m0 = MUL(m0, f); m1 = MUL(m1, f); m2 = MUL(m2, f); m3 = MUL(m3, f);                  \
-        m4 = MUL(m4, f); m5 = MUL(m5, f); m6 = MUL(m6, f); m7 = MUL(m7, f);                  \
-        a0 = ADD(a0, g); a1 = ADD(a1, g); a2 = ADD(a2, g); a3 = ADD(a3, g);                  \
-        a4 = ADD(a4, g); a5 = ADD(a5, g); a6 = ADD(a6, g); a7 = ADD(a7, g);                  \
-    }                                                                                        \
-    V s = ADD(ADD(ADD(m0, m1), ADD(m2, m3)), ADD(ADD(m4, m5), ADD(m6, m7)));                 \
-    s = ADD(s, ADD(ADD(ADD(a0, a1), ADD(a2, a3)), ADD(ADD(a4, a5), ADD(a6, a7))));           \
-    benchmark::DoNotOptimize(s);                                                             \
-    return 16.0 * LANES * kPeakLoops;
+// R accumulators of LANES doubles; FMA: fused, else a multiply and an add.
+#define MIVOR_REG(c, y) c(y)
+#define MIVOR_PEAK(NAME, TARGET, V, SET1, MUL, ADD, FMA, LANES, R, FUSED, REG)                     \
+    TARGET double NAME() {                                                                          \
+        V acc[R], x[R];                                                                             \
+        for (int i = 0; i < R; ++i) {                                                               \
+            acc[i] = SET1(0.0);                                                                     \
+            x[i] = SET1(1.0 + i * 1e-9);                                                            \
+        }                                                                                           \
+        V y = SET1(0.999999999);                                                                    \
+        for (long it = 0; it < kPeakLoops; ++it) {                                                  \
+            _Pragma("GCC unroll 32") for (int i = 0; i < R; ++i) acc[i] = FUSED ? FMA(x[i], y, acc[i]) \
+                                                                             : ADD(acc[i], MUL(x[i], y)); \
+            __asm__ volatile("" : MIVOR_REG(REG, y));                                                          \
+        }                                                                                           \
+        V s = acc[0];                                                                               \
+        for (int i = 1; i < R; ++i) s = ADD(s, acc[i]);                                             \
+        benchmark::DoNotOptimize(s);                                                                \
+        return 2.0 * LANES * R * kPeakLoops;                                                        \
+    }
 
-double peak_sse2_body() { MIVOR_PEAK_BODY(__m128d, _mm_set1_pd, _mm_mul_pd, _mm_add_pd, 2) }
-
+inline __m128d no_fma128(__m128d, __m128d, __m128d c) { return c; }
 #if defined(__x86_64__)
-__attribute__((target("avx2"))) double peak_avx2_body() {
-    MIVOR_PEAK_BODY(__m256d, _mm256_set1_pd, _mm256_mul_pd, _mm256_add_pd, 4)
-}
-__attribute__((target("avx512f"))) double peak_avx512_body() {
-    MIVOR_PEAK_BODY(__m512d, _mm512_set1_pd, _mm512_mul_pd, _mm512_add_pd, 8)
-}
+MIVOR_PEAK(peak_sse2, , __m128d, _mm_set1_pd, _mm_mul_pd, _mm_add_pd, no_fma128, 2, 12, false, "+x")
+#else
+MIVOR_PEAK(peak_sse2, , __m128d, _mm_set1_pd, _mm_mul_pd, _mm_add_pd, no_fma128, 2, 6, false, "+x")
+#endif
+#if defined(__x86_64__)
+#define MIVOR_AVX2 __attribute__((target("avx2,fma")))
+#define MIVOR_AVX512 __attribute__((target("avx512f,fma")))
+MIVOR_PEAK(peak_avx2, MIVOR_AVX2, __m256d, _mm256_set1_pd, _mm256_mul_pd, _mm256_add_pd, _mm256_fmadd_pd, 4, 12, false,
+           "+x")
+MIVOR_PEAK(fma_avx2, MIVOR_AVX2, __m256d, _mm256_set1_pd, _mm256_mul_pd, _mm256_add_pd, _mm256_fmadd_pd, 4, 12, true,
+           "+x")
+MIVOR_PEAK(peak_avx512, MIVOR_AVX512, __m512d, _mm512_set1_pd, _mm512_mul_pd, _mm512_add_pd, _mm512_fmadd_pd, 8,
+           24, false, "+v")
+MIVOR_PEAK(fma_avx512, MIVOR_AVX512, __m512d, _mm512_set1_pd, _mm512_mul_pd, _mm512_add_pd, _mm512_fmadd_pd, 8, 24,
+           true, "+v")
 #endif
 
-// x87: three multiply and three add chains fill the eight registers with
-// the two constants.
-double peak_x87() {
-    auto body = [] {
-        long double m0 = 1, m1 = 1, m2 = 1, a0 = 0, a1 = 0, a2 = 0;
-        const long double f = 1.0000000001L, g = 1e-300L;
-        for (long i = 0; i < kPeakLoops; ++i) {
-            m0 = m0 * f; m1 = m1 * f; m2 = m2 * f;
-            a0 = a0 + g; a1 = a1 + g; a2 = a2 + g;
+// x87: the shape of MATMUL's inner loop, four running sums taking a
+// product of an operand from memory and one held in a register, the
+// operands in the first-level cache.
+__attribute__((noinline)) double peak_x87() {
+    static double a[64];
+    for (int i = 0; i < 64; ++i) a[i] = 1.0 + i * 1e-9;
+    const double* p = a;
+    long double s0 = 0, s1 = 0, s2 = 0, s3 = 0;
+    const long double b = 0.999999999L;
+    for (long it = 0; it < kPeakLoops / 8; ++it) {
+        for (int k = 0; k < 64; k += 4) {
+            s0 = s0 + p[k] * b;
+            s1 = s1 + p[k + 1] * b;
+            s2 = s2 + p[k + 2] * b;
+            s3 = s3 + p[k + 3] * b;
         }
-        long double s = m0 + m1 + m2 + a0 + a1 + a2;
-        benchmark::DoNotOptimize(s);
-    };
-    return best_gflops(body, 6.0 * kPeakLoops);
+        __asm__ volatile("" : "+r"(p));
+    }
+    long double s = s0 + s1 + s2 + s3;
+    benchmark::DoNotOptimize(s);
+    return 2.0 * 64 * (kPeakLoops / 8);
 }
 
 struct Ceilings {
-    double sse2 = 0, avx2 = 0, avx512 = 0, x87 = 0;
+    double sse2 = 0, avx2 = 0, avx512 = 0, fma2 = 0, fma512 = 0, x87 = 0;
     double vector() const { return std::max({sse2, avx2, avx512}); }
 };
 
 Ceilings measure_ceilings() {
     Ceilings c;
-    c.sse2 = best_gflops([] { peak_sse2_body(); }, 16.0 * 2 * kPeakLoops);
+    c.sse2 = best_gflops([] { peak_sse2(); }, peak_sse2());
 #if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx2")) c.avx2 = best_gflops([] { peak_avx2_body(); }, 16.0 * 4 * kPeakLoops);
-    if (__builtin_cpu_supports("avx512f")) c.avx512 = best_gflops([] { peak_avx512_body(); }, 16.0 * 8 * kPeakLoops);
+    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) {
+        c.avx2 = best_gflops([] { peak_avx2(); }, peak_avx2());
+        c.fma2 = best_gflops([] { fma_avx2(); }, fma_avx2());
+    }
+    if (__builtin_cpu_supports("avx512f")) {
+        c.avx512 = best_gflops([] { peak_avx512(); }, peak_avx512());
+        c.fma512 = best_gflops([] { fma_avx512(); }, fma_avx512());
+    }
 #endif
-    c.x87 = peak_x87();
+    c.x87 = best_gflops([] { peak_x87(); }, peak_x87());
     return c;
 }
 
@@ -309,9 +339,12 @@ int main(int argc, char** argv) {
         std::printf("%-10s %-15s %12.2f %12.2f %8.3f %10.3f\n", c->op.c_str(), c->shape.c_str(), gm, gp, gm / gp,
                     gm / ceiling);
     }
-    std::printf("\nceilings, independent multiplies and adds, no FMA (GFLOP/s): SSE2 %.1f", ceil.sse2);
+    std::printf("\nceilings (GFLOP/s), acc = acc + x y without FMA: SSE2 %.1f", ceil.sse2);
     if (ceil.avx2 > 0) std::printf(", AVX2 %.1f", ceil.avx2);
     if (ceil.avx512 > 0) std::printf(", AVX-512 %.1f", ceil.avx512);
-    std::printf("; x87 %.1f\n", ceil.x87);
+    std::printf("; x87 with an operand from memory %.2f\n", ceil.x87);
+    if (ceil.fma2 > 0) std::printf("for comparison, with FMA: AVX2 %.1f", ceil.fma2);
+    if (ceil.fma512 > 0) std::printf(", AVX-512 %.1f", ceil.fma512);
+    if (ceil.fma2 > 0) std::printf("\n");
     return 0;
 }

@@ -97,7 +97,7 @@ void vector_matrix(const Operand<T>& a, const Operand<T>& b, T* r, std::int32_t 
     for (std::int32_t j = 0; j < n; ++j) {
         typename Arith::Acc s = Arith::zero();
         for (std::int32_t k = 0; k < k_count; ++k) Arith::add(s, a.at(k), b.at(k, j));
-        r[j] = Arith::store(s);
+        store(r + j, Arith::store(s));
     }
 }
 
@@ -106,7 +106,7 @@ void matrix_vector(const Operand<T>& a, const Operand<T>& b, T* r, std::int32_t 
     for (std::int32_t i = 0; i < m; ++i) {
         typename Arith::Acc s = Arith::zero();
         for (std::int32_t k = 0; k < k_count; ++k) Arith::add(s, a.at(i, k), b.at(k));
-        r[i] = Arith::store(s);
+        store(r + i, Arith::store(s));
     }
 }
 

@@ -86,13 +86,13 @@ inline void block_rows(const Operand<T>& a, const T* b_col, std::int32_t b_step,
                        std::int32_t k0, std::int32_t kb) {
     typename Arith::Acc s[kRows];
     for (int q = 0; q < kRows; ++q) s[q] = Arith::zero();
-    const T* ap = &a.at(i0, k0);
+    const T* ap = a.ptr(i0, k0);
     for (std::int32_t k = 0; k < kb; ++k) {
-        const T& bk = b_col[static_cast<std::ptrdiff_t>(k) * b_step];
-        for (int q = 0; q < kRows; ++q) Arith::add(s[q], ap[static_cast<std::ptrdiff_t>(q) * a.stride1], bk);
+        const T bk = load(b_col + static_cast<std::ptrdiff_t>(k) * b_step);
+        for (int q = 0; q < kRows; ++q) Arith::add(s[q], load(ap + static_cast<std::ptrdiff_t>(q) * a.stride1), bk);
         ap += a.stride2;
     }
-    for (int q = 0; q < kRows; ++q) r_col[i0 + q] = Arith::store_plus(s[q], r_col[i0 + q]);
+    for (int q = 0; q < kRows; ++q) store(r_col + i0 + q, Arith::store_plus(s[q], load(r_col + i0 + q)));
 }
 
 // kRows: how many chains fit the eight x87 registers with room for the
@@ -114,7 +114,7 @@ struct FpuProducts {
         for (std::int32_t k0 = 0; k0 < k; k0 += kBlock) {
             const std::int32_t kb = k - k0 < kBlock ? k - k0 : kBlock;
             for (std::int32_t j = 0; j < n; ++j) {
-                const T* b_col = &b.at(k0, j);
+                const T* b_col = b.ptr(k0, j);
                 T* r_col = r + static_cast<std::ptrdiff_t>(j) * m;
                 std::int32_t i = 0;
                 for (; i + kRows <= m; i += kRows) block_rows<Arith, kRows>(a, b_col, b.stride1, r_col, i, k0, kb);

@@ -74,7 +74,11 @@ struct QuadProducts {
             for (std::int32_t j = 0; j < n; ++j) {
                 const T blj = b.at(l, j);
                 T* r_col = r + static_cast<std::ptrdiff_t>(j) * m;
-                for (std::int32_t i = 0; i < m; ++i) accumulate(r_col[i], a.at(i, l), blj);
+                for (std::int32_t i = 0; i < m; ++i) {
+                    T rij = load(r_col + i);
+                    accumulate(rij, a.at(i, l), blj);
+                    store(r_col + i, rij);
+                }
             }
     }
 };

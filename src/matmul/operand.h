@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "mivor/descriptor.h"
 
@@ -21,6 +22,20 @@ inline constexpr std::int32_t kNonConforming = 1375;
 
 inline std::int32_t clamped(const std::int32_t* cell) { return *cell < 0 ? 0 : *cell; }
 
+// Elements are read and written by copying their bytes: compiled code may
+// hand over operands at any address (a REAL(8) array 4 bytes off a multiple
+// of 8 is legitimate), which x86 loads and stores serve as they are.
+template <class T>
+inline T load(const T* p) {
+    T v;
+    std::memcpy(static_cast<void*>(&v), p, sizeof v);
+    return v;
+}
+template <class T>
+inline void store(T* p, const T& v) {
+    std::memcpy(static_cast<void*>(p), &v, sizeof v);
+}
+
 // Offsets are formed in 64 bits: extents and strides are both 32-bit, and
 // their product must not wrap on the 64-bit flavour.
 template <class T>
@@ -30,10 +45,11 @@ struct Operand {
     std::int32_t extent1 = 0, extent2 = 0;
     std::int32_t stride1 = 0, stride2 = 0;
 
-    T& at(std::int64_t i, std::int64_t j) const {
-        return base[static_cast<std::ptrdiff_t>(i * stride1 + j * stride2)];
+    const T* ptr(std::int64_t i, std::int64_t j) const {
+        return base + static_cast<std::ptrdiff_t>(i * stride1 + j * stride2);
     }
-    T& at(std::int64_t i) const { return base[static_cast<std::ptrdiff_t>(i * stride1)]; }
+    T at(std::int64_t i, std::int64_t j) const { return load(ptr(i, j)); }
+    T at(std::int64_t i) const { return load(base + static_cast<std::ptrdiff_t>(i * stride1)); }
 };
 
 template <class T>
