@@ -73,21 +73,30 @@ float tan_or_cot(float x);
 // again from the top with the corrected argument.
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] float refuse_sin_cos(float x) {
-    const report::Verdict v = report::direct(202, x);
-    if (v.retry) return sin_or_cos<cosine>(x);
-    return v.ieee_results ? _NaN_F : float_from_bits(kSubstitute_F);
+    return report::settle<report::Form::direct>(
+        [](float x) -> report::Step<float, float> {
+            if (trig::magnitude(double(x)) < double(max)) return sin_or_cos<cosine>(x);  // corrected
+            return report::fail(Error::sin_cos_refused_r4, _NaN_F, float_from_bits(kSubstitute_F));
+        },
+        x);
 }
 template <bool cotangent>
 [[gnu::cold, gnu::noinline]] float refuse_tan_cot(float x) {
-    const report::Verdict v = report::direct(211, x);
-    if (v.retry) return tan_or_cot<cotangent>(x);
-    return v.ieee_results ? _NaN_F : 1.0f;
+    return report::settle<report::Form::direct>(
+        [](float x) -> report::Step<float, float> {
+            if (trig::magnitude(double(x)) < double(max)) return tan_or_cot<cotangent>(x);
+            return report::fail(Error::tan_cot_refused_r4, _NaN_F, 1.0f);
+        },
+        x);
 }
 template <bool cotangent>
 [[gnu::cold, gnu::noinline]] float pole(float x) {
-    const report::Verdict v = report::direct(212, x);
-    if (v.retry) return tan_or_cot<cotangent>(x);
-    return v.ieee_results ? _Inf_F : kHuge_F;
+    return report::settle<report::Form::direct>(
+        [](float x) -> report::Step<float, float> {
+            if (x != 0.0f) return tan_or_cot<cotangent>(x);
+            return report::fail(Error::tan_cot_pole_r4, _Inf_F, kHuge_F);
+        },
+        x);
 }
 
 template <bool cosine>

@@ -155,17 +155,23 @@ double tan_or_cot(double x);
 // Refused argument: report 213; a retry starts again from the top.
 template <bool cotangent>
 [[gnu::cold, gnu::noinline]] double refuse(double x) {
-    const report::Verdict v = report::direct(213, x);
-    if (v.retry) return tan_or_cot<cotangent>(x);
-    return v.ieee_results ? _NaN_D : 1.0;
+    return report::settle<report::Form::direct>(
+        [](double x) -> report::Step<double, double> {
+            if (trig::magnitude(x) < xmax) return tan_or_cot<cotangent>(x);  // corrected
+            return report::fail(Error::tan_cot_refused_r8, _NaN_D, 1.0);
+        },
+        x);
 }
 
 // cot(+-0): the quotient by zero, report 214.
 template <bool cotangent>
 [[gnu::cold, gnu::noinline]] double pole(double x) {
-    const report::Verdict v = report::direct(214, x);
-    if (v.retry) return tan_or_cot<cotangent>(x);
-    return v.ieee_results ? _Inf_D : kHuge_D;
+    return report::settle<report::Form::direct>(
+        [](double x) -> report::Step<double, double> {
+            if (x != 0.0) return tan_or_cot<cotangent>(x);  // corrected
+            return report::fail(Error::tan_cot_pole_r8, _Inf_D, kHuge_D);
+        },
+        x);
 }
 
 template <bool cotangent>

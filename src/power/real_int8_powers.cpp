@@ -12,6 +12,7 @@
 //  * a nonzero high word takes exactly 32 iterations over the low word
 //    (squaring after each), then the high word's own loop.
 #include "frame/report.h"
+#include "power/zero_base.h"
 #include "frame/special_values.h"
 #include "frame/x87.h"
 #include "mivor/mivor.h"
@@ -63,27 +64,25 @@ T power_by_int8(T x, std::int64_t n) {
 using namespace mivor;
 
 extern "C" double g_adxj(const double* base, const std::int64_t* exponent) {
-    double x = *base;
-    std::int64_t n = *exponent;
-    while (x == 0.0) {
-        if (n == 0) return 1.0;
-        if (n > 0) return 0.0;
-        const report::Verdict v = report::full<report::Describe::second>(265, x, n);
-        if (!v.retry) return v.ieee_results ? _Inf_D : kHuge_D;
-    }
-    return power::power_by_int8(x, n);
+    const double x = *base;
+    const std::int64_t n = *exponent;
+    auto raise_to = [](double x, std::int64_t n) { return power::power_by_int8(x, n); };
+    if (x == 0.0) [[unlikely]]
+        return power::zero_base(x, n, Error::zero_to_negative_r8_i8, _Inf_D, kHuge_D, raise_to);
+    return raise_to(x, n);
 }
 
 extern "C" float g_arxj(const float* base, const std::int64_t* exponent) {
-    float x = *base;
-    std::int64_t n = *exponent;
-    while (x == 0.0f) {
-        if (n == 0) return 1.0f;
-        if (n > 0) return 0.0f;
-        const report::Verdict v = report::full<report::Describe::second>(1413, x, n);
-        if (!v.retry) return v.ieee_results ? _Inf_F : kHuge_F;
-    }
-    x87::ExtendedPrecision scope;
-    const long double result = power::power_by_int8(scope.pin(x), n);
-    return static_cast<float>(scope.pin(result));
+    const float x = *base;
+    const std::int64_t n = *exponent;
+    // The base widened on the x87 stack, the result rounded to REAL(4)
+    // only on return.
+    auto raise_to = [](float x, std::int64_t n) {
+        x87::ExtendedPrecision scope;
+        const long double result = power::power_by_int8(scope.pin(x), n);
+        return static_cast<float>(scope.pin(result));
+    };
+    if (x == 0.0f) [[unlikely]]
+        return power::zero_base(x, n, Error::zero_to_negative_r4_i8, _Inf_F, kHuge_F, raise_to);
+    return raise_to(x, n);
 }
