@@ -79,30 +79,26 @@ inline Reduced reduce(double x) {
 }
 
 [[gnu::cold, gnu::noinline]] double guarded(double x) {
-    for (;;) {
-        if (x <= kUnderflow) return 0.0;
-        if (x >= kOverflow) {
-            const report::Verdict v = report::direct(230, x);
-            if (v.retry) {
-                if (!(x >= cmp1 || x <= -cmp1)) return g_dexp(&x);  // back to the first test
-                continue;
+    return report::settle<report::Form::direct>(
+        [](double x) -> report::Step<double, double> {
+            if (!(x >= cmp1 || x <= -cmp1)) return g_dexp(&x);  // a corrected argument in range
+            if (x <= kUnderflow) return 0.0;
+            if (x >= kOverflow) return report::fail(Error::exp_overflow_r8, _Inf_D, kHuge_D);
+            const Reduced red = reduce(x);
+            const std::uint32_t j = static_cast<std::uint32_t>(red.s) & 255;
+            const std::uint32_t addend = (static_cast<std::uint32_t>(red.s) - j) << 12;  // m * 2^20
+            std::uint64_t yb = bits_of(red.y);
+            if (addend == 0xC0100000u) {
+                // m = -1023: scale to 2^-1022 by the exponent field (y >= 1
+                // here, since x > -709.089 > -1023 ln 2 makes r > 0 at j = 0),
+                // then round once into the subnormals.
+                yb += std::uint64_t{0xC0100000u + 0x100000u} << 32;
+                return double_from_bits(yb) * 0.5;
             }
-            return v.ieee_results ? _Inf_D : kHuge_D;
-        }
-        const Reduced red = reduce(x);
-        const std::uint32_t j = static_cast<std::uint32_t>(red.s) & 255;
-        const std::uint32_t addend = (static_cast<std::uint32_t>(red.s) - j) << 12;  // m * 2^20
-        std::uint64_t yb = bits_of(red.y);
-        if (addend == 0xC0100000u) {
-            // m = -1023: scale to 2^-1022 by the exponent field (y >= 1 here,
-            // since x > -709.089 > -1023 ln 2 makes r > 0 at j = 0), then
-            // round once into the subnormals.
-            yb += std::uint64_t{0xC0100000u + 0x100000u} << 32;
-            return double_from_bits(yb) * 0.5;
-        }
-        yb += std::uint64_t{addend} << 32;
-        return double_from_bits(yb);
-    }
+            yb += std::uint64_t{addend} << 32;
+            return double_from_bits(yb);
+        },
+        x);
 }
 
 }  // namespace

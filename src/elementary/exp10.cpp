@@ -62,19 +62,17 @@ inline Reduced reduce(double x) {
 inline double pow2(int m) { return double_from_bits((std::uint64_t(m) << 52) + kOneBits); }
 
 [[gnu::cold, gnu::noinline]] double outside(double x) {
-    for (;;) {
-        if ((high_word(x) & 0x7FFFFFFFu) <= kDirectLimit || x != x) return g_dexp10(&x);
-        if (x <= kUnderflow) return 0.0;
-        if (x >= kOverflow) {
-            const report::Verdict v = report::direct(242, x);
-            if (v.retry) continue;
-            return v.ieee_results ? _Inf_D : kHuge_D;
-        }
-        const Reduced red = reduce(x);
-        const int m = red.k >> 6;  // 1009..1024 or -1023..-1010
-        if (m > 0) return red.y * pow2(m - 64) * 0x1p+64;
-        return red.y * pow2(m + 64) * 0x1p-64;
-    }
+    return report::settle<report::Form::direct>(
+        [](double x) -> report::Step<double, double> {
+            if ((high_word(x) & 0x7FFFFFFFu) <= kDirectLimit || x != x) return g_dexp10(&x);
+            if (x <= kUnderflow) return 0.0;
+            if (x >= kOverflow) return report::fail(Error::exp10_overflow_r8, _Inf_D, kHuge_D);
+            const Reduced red = reduce(x);
+            const int m = red.k >> 6;  // 1009..1024 or -1023..-1010
+            if (m > 0) return red.y * pow2(m - 64) * 0x1p+64;
+            return red.y * pow2(m + 64) * 0x1p-64;
+        },
+        x);
 }
 
 }  // namespace

@@ -53,30 +53,28 @@ struct Base {
     float careful;       // |x| from which the limits below are checked
     float overflow;      // above: the result overflows for sure
     float underflow;     // below: the result is +0.0 for sure
-    std::int32_t error;  // 0: no report
+    bool reports;        // overflow is reported (else +Inf quietly)
+    Error error;
 };
 
-constexpr Base kE{0x1.71547652b82fep+6, 0x1.5p+6f, 0x1.64p+6f, -0x1.ap+6f, 229};       // 84, 89, -104
-constexpr Base kTwo{0x1p+6, 0x1.f8p+6f, 0x1p+7f, -0x1.2ep+7f, 0};                      // 126, 128, -151
-constexpr Base kTen{0x1.a934f0979a371p+7, 0x1.3p+5f, 0x1.38p+5f, -0x1.7p+5f, 241};    // 38, 39, -46
+constexpr Base kE{0x1.71547652b82fep+6, 0x1.5p+6f, 0x1.64p+6f, -0x1.ap+6f, true, Error::exp_overflow_r4};       // 84, 89, -104
+constexpr Base kTwo{0x1p+6, 0x1.f8p+6f, 0x1p+7f, -0x1.2ep+7f, false, {}};                                     // 126, 128, -151
+constexpr Base kTen{0x1.a934f0979a371p+7, 0x1.3p+5f, 0x1.38p+5f, -0x1.7p+5f, true, Error::exp10_overflow_r4};  // 38, 39, -46
 
 template <const Base& base>
 [[gnu::cold, gnu::noinline]] float careful(float x) {
-    for (;;) {
-        if (x != x) return x + x;
-        if (x < base.underflow) return 0.0f;
-        if (x <= base.overflow) {
-            const auto y = static_cast<float>(expf_kernel(static_cast<double>(x) * base.z_per_x));
-            if (y != _Inf_F) return y;
-        }
-        if constexpr (base.error == 0) {
-            return _Inf_F;
-        } else {
-            const report::Verdict v = report::direct(base.error, x);
-            if (v.retry) continue;
-            return v.ieee_results ? _Inf_F : kHuge_F;
-        }
-    }
+    return report::settle<report::Form::direct>(
+        [](float x) -> report::Step<float, float> {
+            if (x != x) return x + x;
+            if (x < base.underflow) return 0.0f;
+            if (x <= base.overflow) {
+                const auto y = static_cast<float>(expf_kernel(static_cast<double>(x) * base.z_per_x));
+                if (y != _Inf_F) return y;
+            }
+            if constexpr (!base.reports) return _Inf_F;
+            return report::fail(base.error, _Inf_F, kHuge_F);
+        },
+        x);
 }
 
 template <const Base& base>

@@ -229,18 +229,19 @@ inline std::uint32_t high_word(double x) { return static_cast<std::uint32_t>(bit
 // Everything below the smallest normal: subnormals, zeros, negatives, NaN.
 template <Base base>
 [[gnu::cold, gnu::noinline]] double below_normal(double x) {
-    for (;;) {
-        if (x >= T2) return finish<base>(ln_parts(_mm_set_sd(x), high_word(x), 0));
-        if (x > 0.0) {
-            const double xs = x * norm;
-            return finish<base>(ln_parts(_mm_set_sd(xs), high_word(xs), -52));
-        }
-        const report::Verdict v = report::direct(245, x);
-        if (v.retry) continue;
-        if (x == 0.0) return v.ieee_results ? _MInf_D : double_from_bits(kNegHugeBits);
-        if (v.ieee_results) return _NaN_D;
-        x = -x;
-    }
+    return report::settle<report::Form::direct>(
+        [](double x) -> report::Step<double, double> {
+            if (x >= T2) return finish<base>(ln_parts(_mm_set_sd(x), high_word(x), 0));
+            if (x > 0.0) {
+                const double xs = x * norm;
+                return finish<base>(ln_parts(_mm_set_sd(xs), high_word(xs), -52));
+            }
+            if (x == 0.0) return report::fail(Error::log_domain_r8, _MInf_D, double_from_bits(kNegHugeBits));
+            // Negative or NaN: with IEEE results off, ln|x| (a NaN reports
+            // again, pass after pass, until the handler corrects it).
+            return report::fail_then_restart(Error::log_domain_r8, _NaN_D, -x);
+        },
+        x);
 }
 
 template <Base base>

@@ -65,17 +65,16 @@ inline float finish(double ln) {
 
 template <int base>
 [[gnu::cold, gnu::noinline]] float special(float x) {
-    for (;;) {
-        const std::uint32_t ix = bits_of(x);
-        if (ix >= 0x00800000u && ix < 0x7F800000u) return finish<base>(ln_kernel(ix, 0));
-        if (ix == 0x7F800000u) return x;
-        if (x > 0.0f) return finish<base>(ln_kernel(bits_of(x * 0x1p23f), -23));
-        const report::Verdict v = report::direct(244, x);
-        if (v.retry) continue;
-        if (x == 0.0f) return v.ieee_results ? _MInf_F : float_from_bits(kNegHugeBits);
-        if (v.ieee_results) return _NaN_F;
-        x = -x;
-    }
+    return report::settle<report::Form::direct>(
+        [](float x) -> report::Step<float, float> {
+            const std::uint32_t ix = bits_of(x);
+            if (ix >= 0x00800000u && ix < 0x7F800000u) return finish<base>(ln_kernel(ix, 0));
+            if (ix == 0x7F800000u) return x;
+            if (x > 0.0f) return finish<base>(ln_kernel(bits_of(x * 0x1p23f), -23));
+            if (x == 0.0f) return report::fail(Error::log_domain_r4, _MInf_F, float_from_bits(kNegHugeBits));
+            return report::fail_then_restart(Error::log_domain_r4, _NaN_F, -x);  // as the REAL(8) logarithm
+        },
+        x);
 }
 
 template <int base>

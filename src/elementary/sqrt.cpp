@@ -16,32 +16,35 @@
 
 using namespace mivor;
 
+namespace {
+
+// Zeros and negative numbers: what the root is then taken of.  A zero
+// gives +0 (FSQRT keeps it); a negative number reports, and without a
+// retry gives the quiet NaN (FSQRT passes it on) or, with IEEE results off,
+// the magnitude.
+template <class T>
+[[gnu::cold, gnu::noinline]] T root_argument(T x, Error error, T nan) {
+    return report::settle<report::Form::direct>(
+        [error, nan](T x) -> report::Step<T, T> {
+            if (x > T(0) || x != x) return x;
+            if (x == T(0)) return T(0);
+            return report::fail_then_restart(error, nan, -x);
+        },
+        x);
+}
+
+}  // namespace
+
 extern "C" long double g_dsqrt(const double* arg) {
     double x = *arg;
-    for (;;) {
-        if (x > 0.0 || x != x) break;
-        if (x == 0.0) return 0.0L;
-        const report::Verdict v = report::direct(227, x);
-        if (v.retry) continue;
-        if (v.ieee_results) return _NaN_D;
-        x = -x;
-        break;
-    }
+    if (!(x > 0.0 || x != x)) x = root_argument(x, Error::sqrt_negative_r8, _NaN_D);
     x87::ExtendedPrecision scope;
     return scope.pin(x87::fsqrt(scope.pin(x)));
 }
 
 extern "C" float g_sqrt(const float* arg) {
     float x = *arg;
-    for (;;) {
-        if (x > 0.0f || x != x) break;
-        if (x == 0.0f) return 0.0f;
-        const report::Verdict v = report::direct(226, x);
-        if (v.retry) continue;
-        if (v.ieee_results) return _NaN_F;
-        x = -x;
-        break;
-    }
+    if (!(x > 0.0f || x != x)) x = root_argument(x, Error::sqrt_negative_r4, _NaN_F);
     x87::ExtendedPrecision scope;
     return static_cast<float>(scope.pin(x87::fsqrt(scope.pin(x))));
 }

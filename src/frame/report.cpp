@@ -1,6 +1,7 @@
 // The one place that writes the control area.  See report.h for the three
-// forms; the field writes below are the record layout the core run-time
-// reads, and nothing outside the listed fields is written.
+// forms and the runner that drives them; the field writes below are the
+// record layout the core run-time reads, and nothing outside the listed
+// fields is written.
 #include "frame/report.h"
 
 namespace mivor::report::detail {
@@ -84,14 +85,10 @@ Verdict raise_direct(const Record& record) {
     return call_handler();
 }
 
-}  // namespace mivor::report::detail
-
-namespace mivor::report {
-
-void short_form(std::int32_t number) {
-    detail::open_record(number);
+void raise_short(std::int32_t number) {
+    open_record(number);
     jwe_control_area& area = jwe_lca;
     if (jwe_handler_fn handler = area.handler) handler(&area.error_number);
 }
 
-}  // namespace mivor::report
+}  // namespace mivor::report::detail

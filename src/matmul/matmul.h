@@ -22,7 +22,6 @@
 #include <cstdint>
 #include <cstring>
 
-#include "frame/report.h"
 #include "matmul/operand.h"
 
 namespace mivor::matmul {
@@ -52,8 +51,9 @@ inline void write_shape(mivor_descriptor* r, Shape shape, std::int32_t element_s
     }
 }
 
-inline void report_non_conforming(mivor_descriptor* r) {
-    report::short_form(kNonConforming);
+// After the report the result is empty: its stride and extent cells, up
+// to its rank, become 0.
+inline void empty_result(mivor_descriptor* r) {
     if (r->rank >= 1) *r->stride1 = *r->extent1 = 0;
     if (r->rank >= 2) *r->stride2 = *r->extent2 = 0;
 }
@@ -62,8 +62,8 @@ template <class T>
 Plan plan(const mivor_matmul_args* args, const Operand<T>& a, const Operand<T>& b) {
     const std::int32_t m = a.extent1, kb = b.extent1;
     const std::int32_t n = b.rank == 2 ? b.extent2 : 0;
-    if ((a.rank == 2 && a.extent2 != kb) || (a.rank == 1 && a.extent1 != kb)) {
-        report_non_conforming(args->result);
+    if (!conform_or_report(!((a.rank == 2 && a.extent2 != kb) || (a.rank == 1 && a.extent1 != kb)))) {
+        empty_result(args->result);
         return {};
     }
     Plan p;

@@ -9,7 +9,6 @@
 // by beta.  Increments are the vectors' byte strides over 8; an lda of 0
 // becomes 1.  With z the call goes to _jwe_gdgemva, otherwise to
 // _jwe_gdgemv; their silent argument checks apply.
-#include "frame/report.h"
 #include "matmul/gemm.h"
 #include "matmul/operand.h"
 #include "mivor/mivor.h"
@@ -22,10 +21,7 @@ extern "C" void g_mt21blasd(const void* block) {
     const std::int32_t x_len = clamped(args->x->extent1);
     const bool upper_t = *args->trans == 'T';
     std::int32_t& inner = upper_t ? a_rows : a_cols;
-    if (inner != x_len) {
-        mivor::report::short_form(kNonConforming);
-        return;
-    }
+    if (!conform_or_report(inner == x_len)) return;
     double alpha = *args->alpha;
     if (inner == 0) {
         inner = 1;

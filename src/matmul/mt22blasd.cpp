@@ -16,7 +16,6 @@
 // a leading dimension of C or D below 1 describes no matrix: adding would
 // write below C's base or pile every column onto the first, so then nothing
 // is added.
-#include "frame/report.h"
 #include "matmul/gemm.h"
 #include "matmul/operand.h"
 #include "mivor/mivor.h"
@@ -30,10 +29,7 @@ extern "C" void g_mt22blasd(const void* block) {
     const bool swap_a = *args->transa == 'T', swap_b = *args->transb == 'T';
     const std::int32_t inner_a = swap_a ? a_rows : a_cols;
     const std::int32_t inner_b = swap_b ? b_cols : b_rows;
-    if (inner_a != inner_b) {
-        mivor::report::short_form(kNonConforming);
-        return;
-    }
+    if (!conform_or_report(inner_a == inner_b)) return;
     const double alpha = *args->alpha;
     const std::int32_t m = swap_a ? a_cols : a_rows, k = inner_a, n = swap_b ? b_rows : b_cols;
     const std::int32_t lda = *args->lda == 0 ? 1 : *args->lda;

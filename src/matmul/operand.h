@@ -1,5 +1,5 @@
 // Reading the array descriptors of the matrix entries, and what all of them
-// share: the error number of non-conforming operands.
+// share: the report of non-conforming operands.
 //
 // An operand's extents are read as signed 32-bit cells with a negative
 // extent counting as 0; its byte strides become element strides by signed
@@ -13,12 +13,22 @@
 #include <cstdint>
 #include <cstring>
 
+#include "frame/report.h"
 #include "mivor/descriptor.h"
 
 namespace mivor::matmul {
 
-// Non-conforming matrix operands, short-form report.
-inline constexpr std::int32_t kNonConforming = 1375;
+// Whether the operands conform; when they do not, error 1375 in the short
+// form (the handler is told, nothing is described, the retry word is not
+// read) and false.
+inline bool conform_or_report(bool conforming) {
+    return report::settle<report::Form::short_form>(
+        [](bool ok) -> report::Step<bool, bool> {
+            if (!ok) return report::fail(Error::matmul_nonconforming, false);
+            return true;
+        },
+        conforming);
+}
 
 inline std::int32_t clamped(const std::int32_t* cell) { return *cell < 0 ? 0 : *cell; }
 

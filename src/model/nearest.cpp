@@ -3,7 +3,9 @@
 //
 // Pure integer arithmetic on X's bits, so there is deliberately no special
 // treatment of infinities or NaNs: NEAREST(+Inf, -1) is HUGE, NEAREST(+Inf,
-// +1) is the pattern after +Inf (a NaN), HUGE stepped up is +Inf.  A zero X
+// +1) is the pattern after +Inf (a NaN), HUGE stepped up is +Inf.  A REAL(4)
+// or REAL(8) result that is a signalling NaN comes back quieted, as the x87
+// return register delivers it to a 32-bit caller (frame/by_value.h).  A zero X
 // steps to the smallest subnormal with S's sign; subnormals step through the
 // subnormals down to a zero of X's sign.
 //
@@ -11,14 +13,13 @@
 // REAL(16) too, where the original leaves the result undefined).
 #include <cstring>
 
+#include "frame/by_value.h"
 #include "frame/report.h"
 #include "frame/values.h"
 #include "mivor/mivor.h"
 
 namespace mivor::model {
 namespace {
-
-constexpr std::int32_t kZeroDirection = 1393;
 
 struct Direction {
     bool zero;
@@ -57,12 +58,15 @@ Direction direction_of(const void* s, std::int32_t code) {
 
 // One step of a REAL(4)/REAL(8) pattern; `down` is the sign of S.
 template <class Bits>
-Bits step(Bits x, bool down) {
+Bits step_bits(Bits x, bool down) {
     constexpr Bits sign = Bits{1} << (sizeof(Bits) * 8 - 1);
     if ((x & ~sign) == 0) return down ? (sign | 1) : Bits{1};
     const bool negative = (x & sign) != 0;
     return negative != down ? x - 1 : x + 1;
 }
+
+float step(float x, bool down) { return float_from_bits(step_bits(bits_of(x), down)); }
+double step(double x, bool down) { return double_from_bits(step_bits(bits_of(x), down)); }
 
 // The same over four words, with carry or borrow from word 0 upwards.
 Real16 step(const Real16& x, bool down) {
@@ -79,30 +83,15 @@ Real16 step(const Real16& x, bool down) {
     return r;
 }
 
-float nearest(float x, Direction d) {
-    if (d.zero) {
-        report::short_form(kZeroDirection);
-        return x;
-    }
-    return float_from_bits(step(bits_of(x), d.negative));
-}
-
-double nearest(double x, Direction d) {
-    if (d.zero) {
-        report::short_form(kZeroDirection);
-        return x;
-    }
-    return double_from_bits(step(bits_of(x), d.negative));
-}
-
-Real16* nearest(Real16* result, const Real16& x, Direction d) {
-    if (d.zero) {
-        report::short_form(kZeroDirection);
-        *result = x;
-    } else {
-        *result = step(x, d.negative);
-    }
-    return result;
+// A zero direction reports 1393 in the short form and gives X unchanged.
+template <class T>
+T nearest(T x, Direction d) {
+    return report::settle<report::Form::short_form>(
+        [d](T x) -> report::Step<T, T> {
+            if (d.zero) return report::fail(Error::nearest_zero_direction, x);
+            return step(x, d.negative);
+        },
+        x);
 }
 
 }  // namespace
@@ -111,28 +100,28 @@ Real16* nearest(Real16* result, const Real16& x, Direction d) {
 using namespace mivor;
 
 extern "C" float g_neare(const float* x, const float* s) {
-    return model::nearest(*x, model::direction_of(*s));
+    return by_value(model::nearest(*x, model::direction_of(*s)));
 }
 
 extern "C" double g_neared(const double* x, const double* s) {
-    return model::nearest(*x, model::direction_of(*s));
+    return by_value(model::nearest(*x, model::direction_of(*s)));
 }
 
 extern "C" mivor_real16* g_neareq(mivor_real16* result, const mivor_real16* x, const mivor_real16* s) {
-    const Real16 xv = *x;  // read before the result may overwrite an operand
-    return model::nearest(result, xv, model::direction_of(*s));
+    *result = model::nearest(*x, model::direction_of(*s));  // both read before the result is written
+    return result;
 }
 
 extern "C" float g_neare2(const float* x, const void* s, const std::int32_t* code) {
-    return model::nearest(*x, model::direction_of(s, *code));
+    return by_value(model::nearest(*x, model::direction_of(s, *code)));
 }
 
 extern "C" double g_neared2(const double* x, const void* s, const std::int32_t* code) {
-    return model::nearest(*x, model::direction_of(s, *code));
+    return by_value(model::nearest(*x, model::direction_of(s, *code)));
 }
 
 extern "C" mivor_real16* g_neareq2(mivor_real16* result, const mivor_real16* x, const void* s,
                                    const std::int32_t* code) {
-    const Real16 xv = *x;
-    return model::nearest(result, xv, model::direction_of(s, *code));
+    *result = model::nearest(*x, model::direction_of(s, *code));
+    return result;
 }

@@ -12,10 +12,8 @@
 //    losing fewer bits to underflow before the final division.
 // REAL(4) runs the same steps on the x87 stack in extended precision and
 // rounds once on return.
-#include "frame/report.h"
-#include "frame/special_values.h"
-#include "frame/x87.h"
 #include "mivor/mivor.h"
+#include "power/zero_base.h"
 
 namespace mivor::power {
 namespace {
@@ -55,27 +53,9 @@ T power_by_int4(T x, std::int32_t n) {
 using namespace mivor;
 
 extern "C" double g_adxi(const double* base, const std::int32_t* exponent) {
-    double x = *base;
-    std::int32_t n = *exponent;
-    while (x == 0.0) {
-        if (n > 0) return 0.0;
-        if (n == 0) return 1.0;
-        const report::Verdict v = report::full<report::Describe::second>(264, x, n);
-        if (!v.retry) return v.ieee_results ? _Inf_D : kHuge_D;
-    }
-    return power::power_by_int4(x, n);
+    return power::integer_power(*base, *exponent, Error::zero_to_negative_r8_i4, power::power_by_int4<double>);
 }
 
 extern "C" float g_arxi(const float* base, const std::int32_t* exponent) {
-    float x = *base;
-    std::int32_t n = *exponent;
-    while (x == 0.0f) {
-        if (n > 0) return 0.0f;
-        if (n == 0) return 1.0f;
-        const report::Verdict v = report::full<report::Describe::second>(261, x, n);
-        if (!v.retry) return v.ieee_results ? _Inf_F : kHuge_F;
-    }
-    x87::ExtendedPrecision scope;
-    const long double result = power::power_by_int4(scope.pin(x), n);
-    return static_cast<float>(scope.pin(result));
+    return power::integer_power(*base, *exponent, Error::zero_to_negative_r4_i4, power::in_extended<std::int32_t, power::power_by_int4<long double>>);
 }

@@ -11,10 +11,8 @@
 //    itself and its high word 0x80000000 is then worked as unsigned;
 //  * a nonzero high word takes exactly 32 iterations over the low word
 //    (squaring after each), then the high word's own loop.
-#include "frame/report.h"
-#include "frame/special_values.h"
-#include "frame/x87.h"
 #include "mivor/mivor.h"
+#include "power/zero_base.h"
 
 namespace mivor::power {
 namespace {
@@ -63,27 +61,9 @@ T power_by_int8(T x, std::int64_t n) {
 using namespace mivor;
 
 extern "C" double g_adxj(const double* base, const std::int64_t* exponent) {
-    double x = *base;
-    std::int64_t n = *exponent;
-    while (x == 0.0) {
-        if (n == 0) return 1.0;
-        if (n > 0) return 0.0;
-        const report::Verdict v = report::full<report::Describe::second>(265, x, n);
-        if (!v.retry) return v.ieee_results ? _Inf_D : kHuge_D;
-    }
-    return power::power_by_int8(x, n);
+    return power::integer_power(*base, *exponent, Error::zero_to_negative_r8_i8, power::power_by_int8<double>);
 }
 
 extern "C" float g_arxj(const float* base, const std::int64_t* exponent) {
-    float x = *base;
-    std::int64_t n = *exponent;
-    while (x == 0.0f) {
-        if (n == 0) return 1.0f;
-        if (n > 0) return 0.0f;
-        const report::Verdict v = report::full<report::Describe::second>(1413, x, n);
-        if (!v.retry) return v.ieee_results ? _Inf_F : kHuge_F;
-    }
-    x87::ExtendedPrecision scope;
-    const long double result = power::power_by_int8(scope.pin(x), n);
-    return static_cast<float>(scope.pin(result));
+    return power::integer_power(*base, *exponent, Error::zero_to_negative_r4_i8, power::in_extended<std::int64_t, power::power_by_int8<long double>>);
 }

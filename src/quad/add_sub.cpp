@@ -29,9 +29,8 @@
 // Fallbacks when the handler does not correct the operands: +0 for 1398;
 // for 1397 the infinity with x's sign (also in g_aqsq) when IEEE results
 // are asked for, else +HUGE whatever the sign.
-#include "frame/report.h"
-#include "frame/special_values.h"
 #include "mivor/mivor.h"
+#include "quad/fallbacks.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -39,9 +38,6 @@ namespace {
 
 using detail::Halves;
 using detail::Status;
-
-constexpr std::int32_t kOverflow = 1397;
-constexpr std::int32_t kUnderflow = 1398;
 
 // x + y for non-zero tops; `flip` (0 or the sign bit) is applied to y's
 // sign, so subtraction is the same sum.
@@ -301,19 +297,17 @@ inline Status attempt(Halves x, Halves y, std::uint64_t flip, Halves* out) {
 // After an attempt that overflowed or underflowed: the report, the retries
 // the handler asks for (each starting again from the zero shortcuts), and
 // the fallback.
-[[gnu::cold, gnu::noinline]] Halves recover(Status status, Halves hx, Halves hy, std::uint64_t flip) {
-    Real16 x = detail::to_real16(hx), y = detail::to_real16(hy);
-    for (;;) {
-        const std::int32_t number = status == Status::overflow ? kOverflow : kUnderflow;
-        const report::Verdict v = report::full<report::Describe::none>(number, x, y);
-        if (!v.retry) {
-            if (status == Status::underflow) return Halves{0, 0};
-            return detail::load(v.ieee_results ? (sign(x) ? &_MInf_Q : &_Inf_Q) : &kHuge_Q);
-        }
-        Halves r;
-        status = attempt(detail::load(&x), detail::load(&y), flip, &r);
-        if (status == Status::ok) return r;
-    }
+[[gnu::cold, gnu::noinline]] Halves recover(Halves hx, Halves hy, std::uint64_t flip) {
+    return report::settle<report::Form::full>(
+        [flip](Real16 x, Real16 y) -> report::Step<Halves, Real16, Real16> {
+            Halves r;
+            switch (attempt(detail::load(&x), detail::load(&y), flip, &r)) {
+                case Status::ok: return r;
+                case Status::underflow: return underflowed(Error::quad_underflow).described(report::Describe::none);
+                default: return overflowed(Error::quad_overflow, sign(x)).described(report::Describe::none);
+            }
+        },
+        detail::to_real16(hx), detail::to_real16(hy));
 }
 
 // The general code: the attempt on halves, the report and its sequel.
@@ -322,7 +316,7 @@ inline Real16* add_or_subtract_halves(Real16* result, const Real16* a, const Rea
     const Halves x = detail::load(a), y = detail::load(b);
     Halves r;
     const Status s = attempt(x, y, Flip, &r);
-    if (s != Status::ok) [[unlikely]] r = recover(s, x, y, Flip);
+    if (s != Status::ok) [[unlikely]] r = recover(x, y, Flip);
     detail::store(result, r);
     return result;
 }

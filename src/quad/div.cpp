@@ -48,9 +48,8 @@
 #include <emmintrin.h>  // SSE2 is the baseline of every 32-bit flavour
 #endif
 
-#include "frame/report.h"
-#include "frame/special_values.h"
 #include "mivor/mivor.h"
+#include "quad/fallbacks.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -58,10 +57,6 @@ namespace {
 
 using detail::Halves;
 using detail::Status;
-
-constexpr std::int32_t kOverflow = 278;
-constexpr std::int32_t kUnderflow = 279;
-constexpr std::int32_t kZeroDivisor = 280;
 
 #if defined(__x86_64__)
 
@@ -466,34 +461,27 @@ inline Outcome attempt(Halves x, Halves y, Halves* out) {
 }
 
 // After an attempt that failed: the report, the retries the handler asks
-// for (each starting again from the zero tests), and the fallback.
-[[gnu::cold, gnu::noinline]] Halves recover(Outcome outcome, Halves hx, Halves hy) {
-    Real16 x = detail::to_real16(hx), y = detail::to_real16(hy);
-    for (;;) {
-        report::Verdict v;
-        if (outcome == Outcome::zero_divisor) {
-            v = report::full<report::Describe::none>(kZeroDivisor, x, y);
-        } else {
-            v = report::full<report::Describe::both>(outcome == Outcome::overflow ? kOverflow : kUnderflow, x, y);
-        }
-        if (!v.retry) {
-            switch (outcome) {
-                case Outcome::underflow: return Halves{0, 0};
-                case Outcome::overflow: {
-                    const bool negative = ((x.w[3] ^ y.w[3]) & kSignBit) != 0;
-                    return detail::load(v.ieee_results ? (negative ? &_MInf_Q : &_Inf_Q) : &kHuge_Q);
-                }
+// for (each starting again from the zero tests), and the fallback.  The
+// zero divisor describes no operand, the overflow and underflow both.
+[[gnu::cold, gnu::noinline]] Halves recover(Halves hx, Halves hy) {
+    return report::settle<report::Form::full>(
+        [](Real16 x, Real16 y) -> report::Step<Halves, Real16, Real16> {
+            Halves r;
+            switch (attempt(detail::load(&x), detail::load(&y), &r)) {
+                case Outcome::ok: return r;
+                case Outcome::underflow: return underflowed(Error::quad_quotient_underflow);
+                case Outcome::overflow:
+                    return overflowed(Error::quad_quotient_overflow, ((x.w[3] ^ y.w[3]) & kSignBit) != 0);
                 default:
-                    if (detail::top_is_zero(detail::load(&x))) {
-                        return v.ieee_results ? detail::load(&_NaN_Q) : Halves{0, 0};
-                    }
-                    return detail::load(v.ieee_results ? (sign(x) ? &_MInf_Q : &_Inf_Q) : &kHuge_Q);
+                    // x / 0: the infinity takes the sign of x alone, on
+                    // purpose; 0 / 0 is the NaN or +0.
+                    if (detail::top_is_zero(detail::load(&x)))
+                        return report::fail(Error::quad_division_by_zero, detail::load(&_NaN_Q), Halves{0, 0})
+                            .described(report::Describe::none);
+                    return overflowed(Error::quad_division_by_zero, sign(x)).described(report::Describe::none);
             }
-        }
-        Halves r;
-        outcome = attempt(detail::load(&x), detail::load(&y), &r);
-        if (outcome == Outcome::ok) return r;
-    }
+        },
+        detail::to_real16(hx), detail::to_real16(hy));
 }
 
 }  // namespace
@@ -505,7 +493,7 @@ extern "C" mivor_real16* g_aqdq(mivor_real16* result, const mivor_real16* a, con
     const Halves x = detail::load(a), y = detail::load(b);
     Halves r;
     const Outcome o = attempt(x, y, &r);
-    if (o != Outcome::ok) [[unlikely]] r = recover(o, x, y);
+    if (o != Outcome::ok) [[unlikely]] r = recover(x, y);
     detail::store(result, r);
 #else
     // The first attempt on words, read straight from the operands and
@@ -513,18 +501,15 @@ extern "C" mivor_real16* g_aqdq(mivor_real16* result, const mivor_real16* a, con
     // the result would not be forwarded from narrower stores).  All of the
     // operands are read before the result, which may be either of them, is
     // written, and nothing is written unless the quotient is in range.
-    Outcome o;
-    if ((b->w[3] & 0x7FFFFFFFu) == 0) {
-        o = Outcome::zero_divisor;
-    } else if ((a->w[3] & 0x7FFFFFFFu) == 0) {
-        result->w[0] = result->w[1] = result->w[2] = result->w[3] = 0;
-        return result;
-    } else {
-        const Status s = divide_words(a->w, b->w, result->w);
-        if (s == Status::ok) [[likely]] return result;
-        o = s == Status::underflow ? Outcome::underflow : Outcome::overflow;
+    if ((b->w[3] & 0x7FFFFFFFu) != 0) {
+        if ((a->w[3] & 0x7FFFFFFFu) == 0) {
+            result->w[0] = result->w[1] = result->w[2] = result->w[3] = 0;
+            return result;
+        }
+        if (divide_words(a->w, b->w, result->w) == Status::ok) [[likely]] return result;
     }
-    detail::store(result, recover(o, detail::load(a), detail::load(b)));
+    // A zero divisor, an overflow or an underflow: the operands are intact.
+    detail::store(result, recover(detail::load(a), detail::load(b)));
 #endif
     return result;
 }

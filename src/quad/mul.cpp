@@ -21,9 +21,8 @@
 // Fallbacks when the handler does not correct the operands: +0 for 1398;
 // for 1397 the infinity with the sign of x * y when IEEE results are asked
 // for, else +HUGE whatever the sign.
-#include "frame/report.h"
-#include "frame/special_values.h"
 #include "mivor/mivor.h"
+#include "quad/fallbacks.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -31,9 +30,6 @@ namespace {
 
 using detail::Halves;
 using detail::Status;
-
-constexpr std::int32_t kOverflow = 1397;
-constexpr std::int32_t kUnderflow = 1398;
 
 // The exact product of two significands (ah, bh in [2^48, 2^49)) in four
 // 64-bit columns: p3 (bits 192 and up), p2, p1, p0.
@@ -252,20 +248,19 @@ inline Status attempt(Halves x, Halves y, Halves* out) {
 // After an attempt that overflowed or underflowed: the report, the retries
 // the handler asks for (each starting again from the zero shortcut), and
 // the fallback.
-[[gnu::cold, gnu::noinline]] Halves recover(Status status, Halves hx, Halves hy) {
-    Real16 x = detail::to_real16(hx), y = detail::to_real16(hy);
-    for (;;) {
-        const std::int32_t number = status == Status::overflow ? kOverflow : kUnderflow;
-        const report::Verdict v = report::full<report::Describe::none>(number, x, y);
-        if (!v.retry) {
-            if (status == Status::underflow) return Halves{0, 0};
-            const bool negative = ((x.w[3] ^ y.w[3]) & kSignBit) != 0;
-            return detail::load(v.ieee_results ? (negative ? &_MInf_Q : &_Inf_Q) : &kHuge_Q);
-        }
-        Halves r;
-        status = attempt(detail::load(&x), detail::load(&y), &r);
-        if (status == Status::ok) return r;
-    }
+[[gnu::cold, gnu::noinline]] Halves recover(Halves hx, Halves hy) {
+    return report::settle<report::Form::full>(
+        [](Real16 x, Real16 y) -> report::Step<Halves, Real16, Real16> {
+            Halves r;
+            switch (attempt(detail::load(&x), detail::load(&y), &r)) {
+                case Status::ok: return r;
+                case Status::underflow: return underflowed(Error::quad_underflow).described(report::Describe::none);
+                default:
+                    return overflowed(Error::quad_overflow, ((x.w[3] ^ y.w[3]) & kSignBit) != 0)
+                        .described(report::Describe::none);
+            }
+        },
+        detail::to_real16(hx), detail::to_real16(hy));
 }
 
 }  // namespace
@@ -277,7 +272,7 @@ extern "C" mivor_real16* g_aqmq(mivor_real16* result, const mivor_real16* a, con
     const Halves x = detail::load(a), y = detail::load(b);
     Halves r;
     const Status s = attempt(x, y, &r);
-    if (s != Status::ok) [[unlikely]] r = recover(s, x, y);
+    if (s != Status::ok) [[unlikely]] r = recover(x, y);
     detail::store(result, r);
 #else
     // The first attempt on words, read straight from the operands and
@@ -288,7 +283,7 @@ extern "C" mivor_real16* g_aqmq(mivor_real16* result, const mivor_real16* a, con
         return result;
     }
     const Status s = multiply_words(a->w, b->w, result->w);
-    if (s != Status::ok) [[unlikely]] detail::store(result, recover(s, detail::load(a), detail::load(b)));
+    if (s != Status::ok) [[unlikely]] detail::store(result, recover(detail::load(a), detail::load(b)));
 #endif
     return result;
 }
