@@ -27,6 +27,7 @@ template <class Ops, int MV, int NR, Start kStart, bool kOdd>
     using V = typename Ops::V;
     constexpr int L = Ops::kLanes;
     constexpr int MR = MV * L;
+    static_assert(MR <= kMaxMr && NR <= kMaxNr, "the drivers' edge tiles hold kMaxMr x kMaxNr");
     V even[NR][MV], odd[NR][MV];
     MIVOR_UNROLL for (int j = 0; j < NR; ++j) {
         MIVOR_UNROLL for (int v = 0; v < MV; ++v) {
@@ -66,14 +67,15 @@ template <class Ops, int MV, int NR, Start kStart, bool kOdd>
 // The tiles of C ahead are most likely in memory, not in cache: ask for
 // them while the current one computes, so that their first additions do
 // not wait (with a short k-block a tile computes for less time than memory
-// takes to answer).  Every cache line of the tile's rows.
+// takes to answer).  The lines of the tile's rows (the middle one of three
+// is left to the processor's own fetching when a column is misaligned).
 constexpr int kPrefetchAhead = 2;
 
 template <int MR, int NR>
 inline void prefetch_tile(const double* c, std::ptrdiff_t ldc) {
     for (int j = 0; j < NR; ++j) {
         const double* col = c + j * ldc;
-        for (int r = 0; r < MR; r += 8) __builtin_prefetch(col + r, 1, 3);
+        for (int r = 0; r + 8 < MR; r += 8) __builtin_prefetch(col + r, 1, 3);
         __builtin_prefetch(col + MR - 1, 1, 3);
     }
 }
