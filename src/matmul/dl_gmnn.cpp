@@ -24,29 +24,22 @@ namespace {
 inline std::int32_t min32(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
 
 // op(B)(k0 .. k0 + kb - 1, j0 .. j0 + nb - 1) into micro-panels of nr
-// columns: value (k, c) at k nr + c, zero beyond the last column.  `b`
-// points at the first element as stored.
+// columns: value (k, c) at (k nr + c) bw + w for w < bw (bw copies side by
+// side), zero beyond the last column.  `b` points at the first element as
+// stored.
 template <bool kTrans>
-void pack_b(std::int32_t kb, std::int32_t nb, const double* b, std::int32_t ldb, double* packed, int nr) {
-    for (std::int32_t s = 0; s < nb; s += nr, packed += static_cast<std::ptrdiff_t>(nr) * kb) {
+void pack_b(std::int32_t kb, std::int32_t nb, const double* b, std::int32_t ldb, double* packed, int nr, int bw) {
+    const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(nr) * bw;
+    for (std::int32_t s = 0; s < nb; s += nr, packed += row * kb) {
         const int cols = nb - s < nr ? nb - s : nr;
-        if constexpr (!kTrans) {
-            for (int c = 0; c < nr; ++c) {
-                double* dst = packed + c;
-                if (c < cols) {
-                    const double* src = b + static_cast<std::ptrdiff_t>(s + c) * ldb;
-                    for (std::int32_t k = 0; k < kb; ++k) dst[static_cast<std::ptrdiff_t>(k) * nr] = src[k];
-                } else {
-                    for (std::int32_t k = 0; k < kb; ++k) dst[static_cast<std::ptrdiff_t>(k) * nr] = 0.0;
-                }
-            }
-        } else {
-            const double* src = b + s;
-            for (std::int32_t k = 0; k < kb; ++k, src += ldb) {
-                double* dst = packed + static_cast<std::ptrdiff_t>(k) * nr;
-                int c = 0;
-                for (; c < cols; ++c) dst[c] = src[c];
-                for (; c < nr; ++c) dst[c] = 0.0;
+        for (int c = 0; c < nr; ++c) {
+            double* dst = packed + c * bw;
+            for (std::int32_t k = 0; k < kb; ++k) {
+                double v = 0.0;
+                if (c < cols)
+                    v = kTrans ? b[s + c + static_cast<std::ptrdiff_t>(k) * ldb]
+                               : b[k + static_cast<std::ptrdiff_t>(s + c) * ldb];
+                for (int w = 0; w < bw; ++w) dst[k * row + w] = v;
             }
         }
     }
@@ -71,10 +64,10 @@ inline std::int32_t fit(std::int32_t size, std::int32_t kb, int unit) { return s
 
 template <bool kTransA, bool kTransB>
 void drive(const GemmProblem& p, const WorkArea& w, const GemmKernel& kernel) {
-    const int mr = kernel.mr, nr = kernel.nr;
+    const int mr = kernel.mr, nr = kernel.nr, bw = kernel.b_width;
     const std::int32_t first = p.k % kKBlock == 0 ? kKBlock : p.k % kKBlock;
     // Columns per panel for the deepest k-block; rows per block for each.
-    const std::int32_t nc = fit(w.b_size, p.k < kKBlock ? p.k : kKBlock, nr);
+    const std::int32_t nc = fit(w.b_size / bw, p.k < kKBlock ? p.k : kKBlock, nr);
     for (std::int32_t jc = 0; jc < p.n; jc += nc) {
         const std::int32_t nb = min32(nc, p.n - jc);
         std::int32_t kb = first;
@@ -83,7 +76,7 @@ void drive(const GemmProblem& p, const WorkArea& w, const GemmKernel& kernel) {
             const Start start = k0 > 0 || p.beta == 1.0 ? Start::copy : p.beta == 0.0 ? Start::zero : Start::scale;
             const double* b0 = kTransB ? p.b + jc + static_cast<std::ptrdiff_t>(k0) * p.ldb
                                        : p.b + k0 + static_cast<std::ptrdiff_t>(jc) * p.ldb;
-            pack_b<kTransB>(kb, nb, b0, p.ldb, w.b, nr);
+            pack_b<kTransB>(kb, nb, b0, p.ldb, w.b, nr, bw);
             const std::int32_t mc = fit(w.a_size, kb, mr);
             for (std::int32_t ic = 0; ic < p.m; ic += mc) {
                 const std::int32_t mb = min32(mc, p.m - ic);
@@ -94,7 +87,7 @@ void drive(const GemmProblem& p, const WorkArea& w, const GemmKernel& kernel) {
                     _jwe_gdl_gmcopya_n(mb, kb, p.alpha, p.a + ic + static_cast<std::ptrdiff_t>(k0) * p.lda, p.lda,
                                        w.a, mr);
                 for (std::int32_t jr = 0; jr < nb; jr += nr) {
-                    const double* bp = w.b + static_cast<std::ptrdiff_t>(jr) * kb;
+                    const double* bp = w.b + static_cast<std::ptrdiff_t>(jr) * kb * bw;
                     double* cc = p.c + ic + static_cast<std::ptrdiff_t>(jc + jr) * p.ldc;
                     const int cols = nb - jr < nr ? nb - jr : nr;
                     std::int32_t ir = 0;

@@ -56,7 +56,7 @@ const GemmKernel* const kAll[] = {
 
 }  // namespace
 
-const GemmKernel kGemmKernelReference = {"reference", kRefMr, kRefNr, &always, &reference_kernel};
+const GemmKernel kGemmKernelReference = {"reference", kRefMr, kRefNr, 1, &always, &reference_kernel};
 
 std::span<const GemmKernel* const> gemm_kernels() { return kAll; }
 

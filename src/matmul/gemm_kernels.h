@@ -9,12 +9,14 @@
 //   a      a packed micro-panel of alpha op(A): for k = 0 .. kb-1 the MR
 //          values of the tile's rows, a[k MR + r] = alpha x op(A)(r, k),
 //          each product already rounded to REAL(8) by the packing;
-//   b      a packed micro-panel of op(B): b[k NR + c] = op(B)(k, c), the
-//          values copied unchanged;
+//   b      a packed micro-panel of op(B): b[(k NR + c) W + w] = op(B)(k, c)
+//          for w < W, the values copied unchanged (W, the kernel's b_width,
+//          is 2 for SSE2, which then loads a value pair where wider sets
+//          broadcast one value);
 //   c, ldc the tile's C(0, 0) and the distance between its columns;
 //   start  where each sum begins, and beta for Start::scale.
 //
-// For every r < MR, c < NR, with p(k) = a[k MR + r] x b[k NR + c] rounded to
+// For every r < MR, c < NR, with p(k) = a[k MR + r] x op(B)(k, c) rounded to
 // REAL(8), it computes with every operation rounded to REAL(8) (SSE2
 // arithmetic, no fused multiply-add):
 //
@@ -62,6 +64,7 @@ using GemmKernelFn = void (*)(int kb, int tiles, const double* a, const double* 
 struct GemmKernel {
     const char* name;
     int mr, nr;
+    int b_width;  // copies of each op(B) value side by side in the packed panel
     bool (*supported)();
     GemmKernelFn run;
 };

@@ -3,9 +3,11 @@
 // tile with its own even or odd chain, and the width changes no sum.
 //
 // Included by exactly one source per instruction set, which defines `Ops`
-// (the vector type; load, add, multiply, store, and mul_broadcast, a vector
-// times one double in every lane) and compiles with that set enabled.  Everything here has internal linkage so that no
-// code built for a wider set can be shared with the baseline by the linker.
+// (the vector type; load, add, multiply, store, and mul_broadcast, a
+// vector times one value of op(B) in every lane, that value stored
+// kBWidth times in the panel) and compiles with that set enabled.
+// Everything here has internal linkage so that no code built for a wider
+// set can be shared with the baseline by the linker.
 #pragma once
 
 #include <cstddef>
@@ -37,24 +39,25 @@ template <class Ops, int MV, int NR, Start kStart, bool kOdd>
             odd[j][v] = Ops::zero();
         }
     }
+    constexpr int W = Ops::kBWidth;
     const double* const a_end = a + (kb & ~1) * MR;
-    for (; a != a_end; a += 2 * MR, b += 2 * NR) {
+    for (; a != a_end; a += 2 * MR, b += 2 * NR * W) {
         V a0[MV], a1[MV];
         MIVOR_UNROLL for (int v = 0; v < MV; ++v) a0[v] = Ops::load(a + v * L);
         MIVOR_UNROLL for (int j = 0; j < NR; ++j) {
             MIVOR_UNROLL for (int v = 0; v < MV; ++v)
-                even[j][v] = Ops::add(even[j][v], Ops::mul_broadcast(a0[v], b + j));
+                even[j][v] = Ops::add(even[j][v], Ops::mul_broadcast(a0[v], b + j * W));
         }
         MIVOR_UNROLL for (int v = 0; v < MV; ++v) a1[v] = Ops::load(a + MR + v * L);
         MIVOR_UNROLL for (int j = 0; j < NR; ++j) {
             MIVOR_UNROLL for (int v = 0; v < MV; ++v)
-                odd[j][v] = Ops::add(odd[j][v], Ops::mul_broadcast(a1[v], b + NR + j));
+                odd[j][v] = Ops::add(odd[j][v], Ops::mul_broadcast(a1[v], b + (NR + j) * W));
         }
     }
     if constexpr (kOdd) {
         MIVOR_UNROLL for (int j = 0; j < NR; ++j) {
             MIVOR_UNROLL for (int v = 0; v < MV; ++v)
-                even[j][v] = Ops::add(even[j][v], Ops::mul_broadcast(Ops::load(a + v * L), b + j));
+                even[j][v] = Ops::add(even[j][v], Ops::mul_broadcast(Ops::load(a + v * L), b + j * W));
         }
     }
     MIVOR_UNROLL for (int j = 0; j < NR; ++j) {

@@ -14,6 +14,7 @@ namespace {
 
 struct Avx512 {
     using V = __m512d;
+    static constexpr int kBWidth = 1;
     static constexpr int kLanes = 8;
     static V zero() { return _mm512_setzero_pd(); }
     static V set1(double x) { return _mm512_set1_pd(x); }
@@ -46,7 +47,7 @@ constexpr int kGemvStreams = 8, kGemvCols = 8;
 
 }  // namespace
 
-const GemmKernel kGemmKernelAvx512 = {"avx512", kMv * Avx512::kLanes, kNr, &supported,
+const GemmKernel kGemmKernelAvx512 = {"avx512", kMv * Avx512::kLanes, kNr, 1, &supported,
                                       &simd_kernel<Avx512, kMv, kNr>};
 
 const GemvKernel kGemvKernelAvx512 = {"avx512", &supported, &simd_n_rows<Avx512, kGemvStreams>,
