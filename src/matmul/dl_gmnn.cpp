@@ -10,7 +10,7 @@
 //
 // Nothing else about the blocking changes a bit: the rows and columns are
 // cut into packed blocks and panels of whatever sizes the work area holds
-// (in the static areas 128 rows of op(A) and 512 columns of op(B) at depth
+// (in the static areas 512 rows of op(A) and 512 columns of op(B) at depth
 // 128, proportionally more for a shorter k-block, so that a rank-7 update
 // walks long columns of C), and the loops over them run in the order that
 // keeps the packed data in cache: columns of C, then k-blocks, then rows;
@@ -27,22 +27,33 @@ inline std::int32_t min32(std::int32_t a, std::int32_t b) { return a < b ? a : b
 // columns: value (k, c) at (k nr + c) bw + w for w < bw (bw copies side by
 // side), zero beyond the last column.  `b` points at the first element as
 // stored.
-template <bool kTrans>
-void pack_b(std::int32_t kb, std::int32_t nb, const double* b, std::int32_t ldb, double* packed, int nr, int bw) {
-    const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(nr) * bw;
+template <bool kTrans, int kWidth>
+void pack_b_as(std::int32_t kb, std::int32_t nb, const double* b, std::int32_t ldb, double* packed, int nr) {
+    const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(nr) * kWidth;
     for (std::int32_t s = 0; s < nb; s += nr, packed += row * kb) {
         const int cols = nb - s < nr ? nb - s : nr;
         for (int c = 0; c < nr; ++c) {
-            double* dst = packed + c * bw;
-            for (std::int32_t k = 0; k < kb; ++k) {
-                double v = 0.0;
-                if (c < cols)
-                    v = kTrans ? b[s + c + static_cast<std::ptrdiff_t>(k) * ldb]
-                               : b[k + static_cast<std::ptrdiff_t>(s + c) * ldb];
-                for (int w = 0; w < bw; ++w) dst[k * row + w] = v;
+            double* dst = packed + c * kWidth;
+            if (c >= cols) {
+                for (std::int32_t k = 0; k < kb; ++k)
+                    for (int w = 0; w < kWidth; ++w) dst[k * row + w] = 0.0;
+            } else if constexpr (kTrans) {
+                const double* src = b + s + c;
+                for (std::int32_t k = 0; k < kb; ++k)
+                    for (int w = 0; w < kWidth; ++w) dst[k * row + w] = src[static_cast<std::ptrdiff_t>(k) * ldb];
+            } else {
+                const double* src = b + static_cast<std::ptrdiff_t>(s + c) * ldb;
+                for (std::int32_t k = 0; k < kb; ++k)
+                    for (int w = 0; w < kWidth; ++w) dst[k * row + w] = src[k];
             }
         }
     }
+}
+
+template <bool kTrans>
+void pack_b(std::int32_t kb, std::int32_t nb, const double* b, std::int32_t ldb, double* packed, int nr, int bw) {
+    if (bw == 2) pack_b_as<kTrans, 2>(kb, nb, b, ldb, packed, nr);
+    else pack_b_as<kTrans, 1>(kb, nb, b, ldb, packed, nr);
 }
 
 // An edge tile, smaller than the kernel's, goes through a private tile so

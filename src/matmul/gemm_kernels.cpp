@@ -76,6 +76,18 @@ const GemmKernel& gemm_kernel() {
     return *k;
 }
 
+const GemmKernel& gemm_kernel_for_rows(std::int32_t m) {
+    const GemmKernel& fastest = gemm_kernel();
+#if defined(MIVOR_MATMUL_AVX)
+    // The 16-row AVX-512 tile computes 16 rows for at most 8: the 8-row
+    // AVX2 tile runs at nearly the same rate where both are supported.
+    if (&fastest == &kGemmKernelAvx512 && m <= kGemmKernelAvx2.mr && kGemmKernelAvx2.supported())
+        return kGemmKernelAvx2;
+#endif
+    (void)m;
+    return fastest;
+}
+
 const GemmKernel* find_gemm_kernel(const char* name) {
     for (const GemmKernel* k : kAll)
         if (std::strcmp(k->name, name) == 0) return k->supported() ? k : nullptr;

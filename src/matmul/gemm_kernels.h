@@ -50,6 +50,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 namespace mivor::matmul {
@@ -78,6 +79,11 @@ std::span<const GemmKernel* const> gemm_kernels();
 
 // The fastest kernel this processor runs (chosen once).
 const GemmKernel& gemm_kernel();
+
+// The kernel for a product of m rows: the fastest, except that fewer rows
+// than its tile holds are better served by a narrower tile of about the
+// same speed (all kernels give the same bits, so the choice is free).
+const GemmKernel& gemm_kernel_for_rows(std::int32_t m);
 
 // By name, or null when not built in or not supported here (tests).
 const GemmKernel* find_gemm_kernel(const char* name);
