@@ -12,10 +12,10 @@
 // kept as compiled code expects it.  An lda or ldb of 0 becomes 1; ldc is
 // passed as it is and the GEMM routine's own check applies.
 //
-// D is added after the product whatever the GEMM routine did, except that
-// a leading dimension of C or D below 1 describes no matrix: adding would
-// write below C's base or pile every column onto the first, so then nothing
-// is added.
+// D is added after the product whatever the GEMM routine did, except when
+// ldc or ldd is below max(1, M): then C or D is not an M x N matrix with
+// that leading dimension, and adding would write outside C (below its base
+// for a negative ldc, past its end for one too small), so nothing is added.
 #include "matmul/gemm.h"
 #include "matmul/operand.h"
 #include "mivor/mivor.h"
@@ -37,6 +37,7 @@ extern "C" void g_mt22blasd(const void* block) {
     double* c = static_cast<double*>(args->c->base);
     _jwe_gdgemm(args->transa, args->transb, &m, &n, &k, &alpha, static_cast<const double*>(args->a->base), &lda,
                 static_cast<const double*>(args->b->base), &ldb, args->beta, c, args->ldc);
-    if (args->d != nullptr && *args->ldc >= 1 && *args->ldd >= 1)
+    const std::int32_t least = m > 1 ? m : 1;
+    if (args->d != nullptr && *args->ldc >= least && *args->ldd >= least)
         _jwe_gdl_gema(m, n, static_cast<const double*>(*args->d), *args->ldd, c, *args->ldc);
 }

@@ -161,6 +161,13 @@ TEST(Gemm, InvalidArgumentsAreIgnoredSilently) {
         h.run();
         EXPECT_EQ(h.c, before) << variant;
     }
+    // With D given, an ldc too small for C adds nothing either: the sum
+    // would land outside C.
+    Gemm d = g;
+    d.with_d = true;
+    d.ldc = 11;
+    d.run();
+    EXPECT_EQ(d.c, before);
     // lda = 0 is read as 1: still too small for 12 rows.
     Gemm z = g;
     z.lda = 0;
