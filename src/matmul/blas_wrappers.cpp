@@ -29,10 +29,9 @@ __attribute__((weak)) void xerbla_(const char* srname, const std::int32_t* info,
     std::fflush(stdout);
 }
 
-void dgemm_(const char* transa, const char* transb, const std::int32_t* m, const std::int32_t* n,
-            const std::int32_t* k, const double* alpha, const double* a, const std::int32_t* lda, const double* b,
-            const std::int32_t* ldb, const double* beta, double* c, const std::int32_t* ldc, std::size_t,
-            std::size_t) {
+void dgemm_(const char* transa, const char* transb, const std::int32_t* m, const std::int32_t* n, const std::int32_t* k,
+            const double* alpha, const double* a, const std::int32_t* lda, const double* b, const std::int32_t* ldb,
+            const double* beta, double* c, const std::int32_t* ldc, std::size_t, std::size_t) {
     const std::int32_t info = _jwe_gdgemm(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
     if (info != 0) xerbla_("DGEMM ", &info, 6);
 }

@@ -44,20 +44,25 @@ void small_gemm(bool ta, bool tb, std::int32_t m, std::int32_t n, std::int32_t k
                 Ext t = 0.0L;
                 for (std::int32_t l = 0; l < k; ++l)
                     t = t + static_cast<Ext>(op(a, lda, true, i, l)) * static_cast<Ext>(op(b, ldb, tb, l, j));
-                if (beta == 0.0) cj[i] = static_cast<double>(static_cast<Ext>(alpha) * t);
-                else cj[i] = static_cast<double>(static_cast<Ext>(alpha) * t + static_cast<Ext>(beta) * static_cast<Ext>(cj[i]));
+                if (beta == 0.0)
+                    cj[i] = static_cast<double>(static_cast<Ext>(alpha) * t);
+                else
+                    cj[i] = static_cast<double>(static_cast<Ext>(alpha) * t +
+                                                static_cast<Ext>(beta) * static_cast<Ext>(cj[i]));
             }
             continue;
         }
         if (beta == 0.0) {
             for (std::int32_t i = 0; i < m; ++i) cj[i] = 0.0;
         } else if (beta != 1.0) {
-            for (std::int32_t i = 0; i < m; ++i) cj[i] = static_cast<double>(static_cast<Ext>(beta) * static_cast<Ext>(cj[i]));
+            for (std::int32_t i = 0; i < m; ++i)
+                cj[i] = static_cast<double>(static_cast<Ext>(beta) * static_cast<Ext>(cj[i]));
         }
         for (std::int32_t l = 0; l < k; ++l) {
             const Ext t = static_cast<Ext>(alpha) * static_cast<Ext>(op(b, ldb, tb, l, j));
             const double* al = a + static_cast<std::ptrdiff_t>(l) * lda;
-            for (std::int32_t i = 0; i < m; ++i) cj[i] = static_cast<double>(static_cast<Ext>(cj[i]) + t * static_cast<Ext>(al[i]));
+            for (std::int32_t i = 0; i < m; ++i)
+                cj[i] = static_cast<double>(static_cast<Ext>(cj[i]) + t * static_cast<Ext>(al[i]));
         }
     }
 }
@@ -65,8 +70,8 @@ void small_gemm(bool ta, bool tb, std::int32_t m, std::int32_t n, std::int32_t k
 }  // namespace
 
 int _jwe_gdgemm(const char* transa, const char* transb, const std::int32_t* m, const std::int32_t* n,
-                const std::int32_t* k, const double* alpha, const double* a, const std::int32_t* lda,
-                const double* b, const std::int32_t* ldb, const double* beta, double* c, const std::int32_t* ldc,
+                const std::int32_t* k, const double* alpha, const double* a, const std::int32_t* lda, const double* b,
+                const std::int32_t* ldb, const double* beta, double* c, const std::int32_t* ldc,
                 const GemmKernel* kernel) {
     const char ta = *transa, tb = *transb;
     const bool trans_a = transposes(ta), trans_b = transposes(tb);

@@ -62,9 +62,9 @@ void _jwe_gdl_gemv2(const GemvKernel& kernel, std::int32_t m, std::int32_t n, do
 
 }  // namespace
 
-int _jwe_gdgemv(const char* trans, const std::int32_t* m, const std::int32_t* n, const double* alpha,
-                const double* a, const std::int32_t* lda, const double* x, const std::int32_t* incx,
-                const double* beta, double* y, const std::int32_t* incy, const GemvKernel* kernel) {
+int _jwe_gdgemv(const char* trans, const std::int32_t* m, const std::int32_t* n, const double* alpha, const double* a,
+                const std::int32_t* lda, const double* x, const std::int32_t* incx, const double* beta, double* y,
+                const std::int32_t* incy, const GemvKernel* kernel) {
     const char t = *trans;
     if (!valid_trans(t)) return 1;
     if (*m < 0) return 2;
@@ -93,8 +93,10 @@ int _jwe_gdgemv(const char* trans, const std::int32_t* m, const std::int32_t* n,
     }
     if (al == 0.0) return 0;
     const GemvKernel& k = kernel != nullptr ? *kernel : gemv_kernel();
-    if (trans_a) _jwe_gdl_gemv2(k, mm, nn, al, a, *lda, x0, ix, y0, iy);
-    else _jwe_gdl_gemv1(k, mm, nn, al, a, *lda, x0, ix, y0, iy);
+    if (trans_a)
+        _jwe_gdl_gemv2(k, mm, nn, al, a, *lda, x0, ix, y0, iy);
+    else
+        _jwe_gdl_gemv1(k, mm, nn, al, a, *lda, x0, ix, y0, iy);
     return 0;
 }
 

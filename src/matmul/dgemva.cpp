@@ -7,10 +7,9 @@
 
 namespace mivor::matmul {
 
-int _jwe_gdgemva(const char* trans, const std::int32_t* m, const std::int32_t* n, const double* alpha,
-                 const double* a, const std::int32_t* lda, const double* x, const std::int32_t* incx,
-                 const double* z, const std::int32_t* incz, const double* beta, double* y,
-                 const std::int32_t* incy) {
+int _jwe_gdgemva(const char* trans, const std::int32_t* m, const std::int32_t* n, const double* alpha, const double* a,
+                 const std::int32_t* lda, const double* x, const std::int32_t* incx, const double* z,
+                 const std::int32_t* incz, const double* beta, double* y, const std::int32_t* incy) {
     if (!valid_trans(*trans)) return 1;
     if (*m < 0) return 2;
     if (*n < 0) return 3;

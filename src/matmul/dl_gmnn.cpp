@@ -52,14 +52,16 @@ void pack_b_as(std::int32_t kb, std::int32_t nb, const double* b, std::int32_t l
 
 template <bool kTrans>
 void pack_b(std::int32_t kb, std::int32_t nb, const double* b, std::int32_t ldb, double* packed, int nr, int bw) {
-    if (bw == 2) pack_b_as<kTrans, 2>(kb, nb, b, ldb, packed, nr);
-    else pack_b_as<kTrans, 1>(kb, nb, b, ldb, packed, nr);
+    if (bw == 2)
+        pack_b_as<kTrans, 2>(kb, nb, b, ldb, packed, nr);
+    else
+        pack_b_as<kTrans, 1>(kb, nb, b, ldb, packed, nr);
 }
 
 // An edge tile, smaller than the kernel's, goes through a private tile so
 // that the kernel never touches C outside the product.
-void edge_tile(const GemmKernel& kernel, std::int32_t kb, const double* a, const double* b, double* c,
-               std::int32_t ldc, int rows, int cols, Start start, double beta) {
+void edge_tile(const GemmKernel& kernel, std::int32_t kb, const double* a, const double* b, double* c, std::int32_t ldc,
+               int rows, int cols, Start start, double beta) {
     alignas(64) double t[kMaxMr * kMaxNr] = {};
     const int mr = kernel.mr;
     if (start != Start::zero)
@@ -92,11 +94,11 @@ void drive(const GemmProblem& p, const WorkArea& w, const GemmKernel& kernel) {
             for (std::int32_t ic = 0; ic < p.m; ic += mc) {
                 const std::int32_t mb = min32(mc, p.m - ic);
                 if constexpr (kTransA)
-                    _jwe_gdl_gmcopya_t(mb, kb, p.alpha, p.a + k0 + static_cast<std::ptrdiff_t>(ic) * p.lda, p.lda,
-                                       w.a, mr);
+                    _jwe_gdl_gmcopya_t(mb, kb, p.alpha, p.a + k0 + static_cast<std::ptrdiff_t>(ic) * p.lda, p.lda, w.a,
+                                       mr);
                 else
-                    _jwe_gdl_gmcopya_n(mb, kb, p.alpha, p.a + ic + static_cast<std::ptrdiff_t>(k0) * p.lda, p.lda,
-                                       w.a, mr);
+                    _jwe_gdl_gmcopya_n(mb, kb, p.alpha, p.a + ic + static_cast<std::ptrdiff_t>(k0) * p.lda, p.lda, w.a,
+                                       mr);
                 for (std::int32_t jr = 0; jr < nb; jr += nr) {
                     const double* bp = w.b + static_cast<std::ptrdiff_t>(jr) * kb * bw;
                     double* cc = p.c + ic + static_cast<std::ptrdiff_t>(jc + jr) * p.ldc;

@@ -25,8 +25,8 @@ namespace mivor::matmul {
 // `kernel`: the blocked path's kernel, null for the processor's fastest
 // (tests name one).
 int _jwe_gdgemm(const char* transa, const char* transb, const std::int32_t* m, const std::int32_t* n,
-                const std::int32_t* k, const double* alpha, const double* a, const std::int32_t* lda,
-                const double* b, const std::int32_t* ldb, const double* beta, double* c, const std::int32_t* ldc,
+                const std::int32_t* k, const double* alpha, const double* a, const std::int32_t* lda, const double* b,
+                const std::int32_t* ldb, const double* beta, double* c, const std::int32_t* ldc,
                 const GemmKernel* kernel = nullptr);
 
 // C(i, j) = C(i, j) + D(i, j) for i < m, j < n: one addition per element.
@@ -94,15 +94,14 @@ T* first_of(T* v, std::int32_t len, std::int32_t inc) {
 // y = alpha op(A) x + beta y.  Invalid arguments: silent, code returned (1
 // trans, 2 m, 3 n, 6 lda, 8 incx, 11 incy), y untouched.
 // `kernel` as for _jwe_gdgemm.
-int _jwe_gdgemv(const char* trans, const std::int32_t* m, const std::int32_t* n, const double* alpha,
-                const double* a, const std::int32_t* lda, const double* x, const std::int32_t* incx,
-                const double* beta, double* y, const std::int32_t* incy, const GemvKernel* kernel = nullptr);
+int _jwe_gdgemv(const char* trans, const std::int32_t* m, const std::int32_t* n, const double* alpha, const double* a,
+                const std::int32_t* lda, const double* x, const std::int32_t* incx, const double* beta, double* y,
+                const std::int32_t* incy, const GemvKernel* kernel = nullptr);
 
 // The same, then y = y + z (codes as above, and 10 for incz, 13 for incy).
-int _jwe_gdgemva(const char* trans, const std::int32_t* m, const std::int32_t* n, const double* alpha,
-                 const double* a, const std::int32_t* lda, const double* x, const std::int32_t* incx,
-                 const double* z, const std::int32_t* incz, const double* beta, double* y,
-                 const std::int32_t* incy);
+int _jwe_gdgemva(const char* trans, const std::int32_t* m, const std::int32_t* n, const double* alpha, const double* a,
+                 const std::int32_t* lda, const double* x, const std::int32_t* incx, const double* z,
+                 const std::int32_t* incz, const double* beta, double* y, const std::int32_t* incy);
 
 // A transposition letter the GEMM and GEMV routines accept, and whether it
 // transposes.

@@ -10,8 +10,7 @@ namespace {
 
 constexpr int kRefMr = 4, kRefNr = 4;
 
-void reference_tile(int kb, const double* a, const double* b, double* c, std::ptrdiff_t ldc, Start start,
-                    double beta) {
+void reference_tile(int kb, const double* a, const double* b, double* c, std::ptrdiff_t ldc, Start start, double beta) {
     for (int j = 0; j < kRefNr; ++j) {
         for (int r = 0; r < kRefMr; ++r) {
             double& cij = c[j * ldc + r];
@@ -28,8 +27,8 @@ void reference_tile(int kb, const double* a, const double* b, double* c, std::pt
     }
 }
 
-void reference_kernel(int kb, int tiles, const double* a, const double* b, double* c, std::ptrdiff_t ldc,
-                      Start start, double beta) {
+void reference_kernel(int kb, int tiles, const double* a, const double* b, double* c, std::ptrdiff_t ldc, Start start,
+                      double beta) {
     for (int t = 0; t < tiles; ++t)
         reference_tile(kb, a + static_cast<std::ptrdiff_t>(t) * kRefMr * kb, b, c + t * kRefMr, ldc, start, beta);
 }

@@ -25,7 +25,8 @@ namespace {
 // start and the parity of kb are template arguments, so that each variant
 // is straight-line code around one loop.
 template <class Ops, int MV, int NR, Start kStart, bool kOdd>
-[[gnu::always_inline]] inline void simd_tile(int kb, const double* a, const double* b, double* c, std::ptrdiff_t ldc, double beta) {
+[[gnu::always_inline]] inline void simd_tile(int kb, const double* a, const double* b, double* c, std::ptrdiff_t ldc,
+                                             double beta) {
     using V = typename Ops::V;
     constexpr int L = Ops::kLanes;
     constexpr int MR = MV * L;
@@ -33,31 +34,39 @@ template <class Ops, int MV, int NR, Start kStart, bool kOdd>
     V even[NR][MV], odd[NR][MV];
     MIVOR_UNROLL for (int j = 0; j < NR; ++j) {
         MIVOR_UNROLL for (int v = 0; v < MV; ++v) {
-            if constexpr (kStart == Start::zero) even[j][v] = Ops::zero();
-            else if constexpr (kStart == Start::copy) even[j][v] = Ops::loadu(c + j * ldc + v * L);
-            else even[j][v] = Ops::mul(Ops::set1(beta), Ops::loadu(c + j * ldc + v * L));
+            if constexpr (kStart == Start::zero)
+                even[j][v] = Ops::zero();
+            else if constexpr (kStart == Start::copy)
+                even[j][v] = Ops::loadu(c + j * ldc + v * L);
+            else
+                even[j][v] = Ops::mul(Ops::set1(beta), Ops::loadu(c + j * ldc + v * L));
             odd[j][v] = Ops::zero();
         }
     }
     constexpr int W = Ops::kBWidth;
     const double* const a_end = a + (kb & ~1) * MR;
-    for (; a != a_end; a += 2 * MR, b += 2 * NR * W) {
-        V a0[MV], a1[MV];
-        MIVOR_UNROLL for (int v = 0; v < MV; ++v) a0[v] = Ops::load(a + v * L);
-        MIVOR_UNROLL for (int j = 0; j < NR; ++j) {
-            MIVOR_UNROLL for (int v = 0; v < MV; ++v)
-                even[j][v] = Ops::add(even[j][v], Ops::mul_broadcast(a0[v], b + j * W));
-        }
-        MIVOR_UNROLL for (int v = 0; v < MV; ++v) a1[v] = Ops::load(a + MR + v * L);
-        MIVOR_UNROLL for (int j = 0; j < NR; ++j) {
-            MIVOR_UNROLL for (int v = 0; v < MV; ++v)
-                odd[j][v] = Ops::add(odd[j][v], Ops::mul_broadcast(a1[v], b + (NR + j) * W));
+    if constexpr (Ops::template kHandLoop<MV, NR>) {
+        // The instruction set's own schedule of the same operations.
+        Ops::pairs(a, a_end, b, even, odd);
+    } else {
+        for (; a != a_end; a += 2 * MR, b += 2 * NR * W) {
+            V a0[MV], a1[MV];
+            MIVOR_UNROLL for (int v = 0; v < MV; ++v) a0[v] = Ops::load(a + v * L);
+            MIVOR_UNROLL for (int j = 0; j < NR; ++j) {
+                MIVOR_UNROLL for (int v = 0; v < MV; ++v) even[j][v] =
+                    Ops::add(even[j][v], Ops::mul_broadcast(a0[v], b + j * W));
+            }
+            MIVOR_UNROLL for (int v = 0; v < MV; ++v) a1[v] = Ops::load(a + MR + v * L);
+            MIVOR_UNROLL for (int j = 0; j < NR; ++j) {
+                MIVOR_UNROLL for (int v = 0; v < MV; ++v) odd[j][v] =
+                    Ops::add(odd[j][v], Ops::mul_broadcast(a1[v], b + (NR + j) * W));
+            }
         }
     }
     if constexpr (kOdd) {
         MIVOR_UNROLL for (int j = 0; j < NR; ++j) {
-            MIVOR_UNROLL for (int v = 0; v < MV; ++v)
-                even[j][v] = Ops::add(even[j][v], Ops::mul_broadcast(Ops::load(a + v * L), b + j * W));
+            MIVOR_UNROLL for (int v = 0; v < MV; ++v) even[j][v] =
+                Ops::add(even[j][v], Ops::mul_broadcast(Ops::load(a + v * L), b + j * W));
         }
     }
     MIVOR_UNROLL for (int j = 0; j < NR; ++j) {

@@ -40,10 +40,14 @@ constexpr std::int32_t kStackRows = kMaxMr;
 constexpr std::int32_t kStackCols = 12;
 
 void run_driver(bool transa, bool transb, const GemmProblem& p, const WorkArea& w, const GemmKernel& kernel) {
-    if (!transa && !transb) _jwe_gdl_gmnn(p, w, kernel);
-    else if (!transa) _jwe_gdl_gmnt(p, w, kernel);
-    else if (!transb) _jwe_gdl_gmtn(p, w, kernel);
-    else _jwe_gdl_gmtt(p, w, kernel);
+    if (!transa && !transb)
+        _jwe_gdl_gmnn(p, w, kernel);
+    else if (!transa)
+        _jwe_gdl_gmnt(p, w, kernel);
+    else if (!transb)
+        _jwe_gdl_gmtn(p, w, kernel);
+    else
+        _jwe_gdl_gmtt(p, w, kernel);
 }
 
 }  // namespace

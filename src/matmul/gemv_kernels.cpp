@@ -8,8 +8,8 @@
 namespace mivor::matmul {
 namespace {
 
-void reference_n_rows(std::int32_t m, std::int32_t n, double alpha, const double* a, std::int32_t lda,
-                      const double* x, std::int32_t incx, double* y) {
+void reference_n_rows(std::int32_t m, std::int32_t n, double alpha, const double* a, std::int32_t lda, const double* x,
+                      std::int32_t incx, double* y) {
     for (std::int32_t i = 0; i < m; ++i) {
         double s = 0.0;
         for (std::int32_t j = 0; j < n; ++j)
@@ -18,8 +18,8 @@ void reference_n_rows(std::int32_t m, std::int32_t n, double alpha, const double
     }
 }
 
-void reference_t_cols(std::int32_t m, std::int32_t n, double alpha, const double* a, std::int32_t lda,
-                      const double* x, double* y, std::int32_t incy) {
+void reference_t_cols(std::int32_t m, std::int32_t n, double alpha, const double* a, std::int32_t lda, const double* x,
+                      double* y, std::int32_t incy) {
     const std::int32_t full = m / 8 * 8;
     for (std::int32_t j = 0; j < n; ++j) {
         const double* aj = a + static_cast<std::ptrdiff_t>(j) * lda;

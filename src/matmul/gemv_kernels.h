@@ -41,10 +41,10 @@ namespace mivor::matmul {
 struct GemvKernel {
     const char* name;
     bool (*supported)();
-    void (*n_rows)(std::int32_t m, std::int32_t n, double alpha, const double* a, std::int32_t lda,
-                   const double* x, std::int32_t incx, double* y);
-    void (*t_cols)(std::int32_t m, std::int32_t n, double alpha, const double* a, std::int32_t lda,
-                   const double* x, double* y, std::int32_t incy);
+    void (*n_rows)(std::int32_t m, std::int32_t n, double alpha, const double* a, std::int32_t lda, const double* x,
+                   std::int32_t incx, double* y);
+    void (*t_cols)(std::int32_t m, std::int32_t n, double alpha, const double* a, std::int32_t lda, const double* x,
+                   double* y, std::int32_t incy);
 };
 
 std::span<const GemvKernel* const> gemv_kernels();

@@ -18,8 +18,8 @@ namespace {
 constexpr std::int32_t kRowChunk = 2048;
 
 template <class Ops, int NC>
-void rows_chunk(std::int32_t m, std::int32_t n, double alpha, const double* a, std::ptrdiff_t lda,
-                const double* x, std::ptrdiff_t incx, double* y, double* s) {
+void rows_chunk(std::int32_t m, std::int32_t n, double alpha, const double* a, std::ptrdiff_t lda, const double* x,
+                std::ptrdiff_t incx, double* y, double* s) {
     using V = typename Ops::V;
     constexpr int L = Ops::kLanes;
     const std::int32_t mv = m / L * L;

@@ -15,6 +15,8 @@ namespace {
 struct Avx2 {
     using V = __m256d;
     static constexpr int kBWidth = 1;
+    template <int MV, int NR>
+    static constexpr bool kHandLoop = false;
     static constexpr int kLanes = 4;
     static V zero() { return _mm256_setzero_pd(); }
     static V set1(double x) { return _mm256_set1_pd(x); }
@@ -37,7 +39,7 @@ constexpr int kGemvStreams = 8, kGemvCols = 4;
 
 }  // namespace
 
-const GemmKernel kGemmKernelAvx2 = {"avx2", kMv * Avx2::kLanes, kNr, 1, &supported, &simd_kernel<Avx2, kMv, kNr>};
+const GemmKernel kGemmKernelAvx2 = {"avx2", kMv* Avx2::kLanes, kNr, 1, &supported, &simd_kernel<Avx2, kMv, kNr>};
 
 const GemvKernel kGemvKernelAvx2 = {"avx2", &supported, &simd_n_rows<Avx2, kGemvStreams>,
                                     &simd_t_cols<Avx2, kGemvCols>};

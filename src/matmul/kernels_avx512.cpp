@@ -15,6 +15,8 @@ namespace {
 struct Avx512 {
     using V = __m512d;
     static constexpr int kBWidth = 1;
+    template <int MV, int NR>
+    static constexpr bool kHandLoop = false;
     static constexpr int kLanes = 8;
     static V zero() { return _mm512_setzero_pd(); }
     static V set1(double x) { return _mm512_set1_pd(x); }
@@ -47,11 +49,11 @@ constexpr int kGemvStreams = 8, kGemvCols = 8;
 
 }  // namespace
 
-const GemmKernel kGemmKernelAvx512 = {"avx512", kMv * Avx512::kLanes, kNr, 1, &supported,
-                                      &simd_kernel<Avx512, kMv, kNr>};
+const GemmKernel kGemmKernelAvx512 = {"avx512", kMv* Avx512::kLanes, kNr,
+                                      1,        &supported,          &simd_kernel<Avx512, kMv, kNr>};
 
 const GemvKernel kGemvKernelAvx512 = {"avx512", &supported, &simd_n_rows<Avx512, kGemvStreams>,
-                                    &simd_t_cols<Avx512, kGemvCols>};
+                                      &simd_t_cols<Avx512, kGemvCols>};
 
 }  // namespace mivor::matmul
 #endif

@@ -26,6 +26,42 @@ struct Sse2 {
     static V mul_broadcast(V x, const double* p) { return mul(x, load(p)); }
     static V mul(V x, V y) { return _mm_mul_pd(x, y); }
     static void storeu(double* p, V x) { _mm_storeu_pd(p, x); }
+
+#if defined(__x86_64__)
+    template <int MV, int NR>
+    static constexpr bool kHandLoop = false;
+#else
+    // The 32-bit tile (one register of two rows, three columns) takes all
+    // eight registers: six accumulators, the rows of A and one product.
+    // Written out, the loop keeps A in its register and copies it for each
+    // multiply instead of loading it again, which the compiler does not
+    // see: 45% faster, measured alone.  The same operations in the same
+    // order: p = A x B (A the left operand), sum = sum + p.
+    template <int MV, int NR>
+    static constexpr bool kHandLoop = MV == 1 && NR == 3;
+    static void pairs(const double*& a, const double* a_end, const double*& b, V (&even)[3][1], V (&odd)[3][1]) {
+        if (a == a_end) return;
+        V x, t;
+        __asm__(
+            "1:\n\t"
+            "movapd (%[a]), %[x]\n\t"
+            "movapd %[x], %[t]\n\tmulpd (%[b]), %[t]\n\taddpd %[t], %[e0]\n\t"
+            "movapd %[x], %[t]\n\tmulpd 16(%[b]), %[t]\n\taddpd %[t], %[e1]\n\t"
+            "movapd %[x], %[t]\n\tmulpd 32(%[b]), %[t]\n\taddpd %[t], %[e2]\n\t"
+            "movapd 16(%[a]), %[x]\n\t"
+            "movapd %[x], %[t]\n\tmulpd 48(%[b]), %[t]\n\taddpd %[t], %[o0]\n\t"
+            "movapd %[x], %[t]\n\tmulpd 64(%[b]), %[t]\n\taddpd %[t], %[o1]\n\t"
+            "movapd %[x], %[t]\n\tmulpd 80(%[b]), %[t]\n\taddpd %[t], %[o2]\n\t"
+            "add $32, %[a]\n\t"
+            "add $96, %[b]\n\t"
+            "cmp %[a], %[end]\n\t"
+            "jne 1b"
+            : [a] "+r"(a), [b] "+r"(b), [e0] "+x"(even[0][0]), [e1] "+x"(even[1][0]), [e2] "+x"(even[2][0]),
+              [o0] "+x"(odd[0][0]), [o1] "+x"(odd[1][0]), [o2] "+x"(odd[2][0]), [x] "=&x"(x), [t] "=&x"(t)
+            : [end] "r"(a_end)
+            : "memory", "cc");
+    }
+#endif
 };
 
 #if defined(__x86_64__)
@@ -46,10 +82,9 @@ constexpr int kGemvStreams = 4, kGemvCols = 1;
 
 }  // namespace
 
-const GemmKernel kGemmKernelSse2 = {"sse2", kMv * Sse2::kLanes, kNr, Sse2::kBWidth, &always,
-                                    &simd_kernel<Sse2, kMv, kNr>};
+const GemmKernel kGemmKernelSse2 = {"sse2",        kMv* Sse2::kLanes, kNr,
+                                    Sse2::kBWidth, &always,           &simd_kernel<Sse2, kMv, kNr>};
 
-const GemvKernel kGemvKernelSse2 = {"sse2", &always, &simd_n_rows<Sse2, kGemvStreams>,
-                                    &simd_t_cols<Sse2, kGemvCols>};
+const GemvKernel kGemvKernelSse2 = {"sse2", &always, &simd_n_rows<Sse2, kGemvStreams>, &simd_t_cols<Sse2, kGemvCols>};
 
 }  // namespace mivor::matmul

@@ -37,8 +37,7 @@ struct Plan {
 // The result's layout: contiguous, column order, `rows` = M (or N for a
 // vector A).  stride 2 is formed in 32 bits from the stride 1 just written,
 // as compiled code forms it.
-inline void write_shape(mivor_descriptor* r, Shape shape, std::int32_t element_size, std::int32_t m,
-                        std::int32_t n) {
+inline void write_shape(mivor_descriptor* r, Shape shape, std::int32_t element_size, std::int32_t m, std::int32_t n) {
     *r->stride1 = element_size;
     if (shape == Shape::vector_matrix) {
         *r->extent1 = n;
@@ -46,7 +45,8 @@ inline void write_shape(mivor_descriptor* r, Shape shape, std::int32_t element_s
     }
     *r->extent1 = m;
     if (shape == Shape::matrix_matrix) {
-        *r->stride2 = static_cast<std::int32_t>(static_cast<std::uint32_t>(*r->stride1) * static_cast<std::uint32_t>(m));
+        *r->stride2 =
+            static_cast<std::int32_t>(static_cast<std::uint32_t>(*r->stride1) * static_cast<std::uint32_t>(m));
         *r->extent2 = n;
     }
 }
@@ -76,7 +76,7 @@ Plan plan(const mivor_matmul_args* args, const Operand<T>& a, const Operand<T>& 
         // All-zero bits: +0.0 in every part of every element.
         write_shape(args->result, p.shape, sizeof(T), m, n);
         T* r = static_cast<T*>(args->result->base);
-        std::int64_t count = p.shape == Shape::vector_matrix ? n
+        std::int64_t count = p.shape == Shape::vector_matrix   ? n
                              : p.shape == Shape::matrix_vector ? m
                                                                : std::int64_t{m} * n;
         if (count > 0) std::memset(static_cast<void*>(r), 0, static_cast<std::size_t>(count) * sizeof(T));
@@ -121,9 +121,15 @@ void run(const void* block) {
     if (!p.compute) return;
     T* r = static_cast<T*>(args->result->base);
     switch (p.shape) {
-        case Shape::vector_matrix: Products::vector_matrix(a, b, r, p.k, p.n); break;
-        case Shape::matrix_vector: Products::matrix_vector(a, b, r, p.m, p.k); break;
-        case Shape::matrix_matrix: Products::matrix_matrix(a, b, r, p.m, p.k, p.n); break;
+        case Shape::vector_matrix:
+            Products::vector_matrix(a, b, r, p.k, p.n);
+            break;
+        case Shape::matrix_vector:
+            Products::matrix_vector(a, b, r, p.m, p.k);
+            break;
+        case Shape::matrix_matrix:
+            Products::matrix_matrix(a, b, r, p.m, p.k, p.n);
+            break;
     }
     write_shape(args->result, p.shape, sizeof(T), p.m, p.n);
 }

@@ -52,8 +52,10 @@ template <class T>
 struct QuadArith {
     using Acc = T;
     static Acc zero() {
-        if constexpr (sizeof(T) == sizeof(Real16)) return matmul::zero;
-        else return T{matmul::zero, matmul::zero};
+        if constexpr (sizeof(T) == sizeof(Real16))
+            return matmul::zero;
+        else
+            return T{matmul::zero, matmul::zero};
     }
     static void add(Acc& s, const T& a, const T& b) { accumulate(s, a, b); }
     static T store(const Acc& s) { return s; }

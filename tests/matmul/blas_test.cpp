@@ -1,13 +1,14 @@
 // The Linux builds' dgemm_ and dgemv_: the library's products behind the
 // reference-BLAS calling convention, and invalid arguments handed to the
 // program's own xerbla_, which takes precedence over the library's weak one.
+#include "mivor/blas.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "matmul/support.h"
-#include "mivor/blas.h"
 
 namespace {
 std::vector<std::pair<std::string, int>> g_xerbla_calls;

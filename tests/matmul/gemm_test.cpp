@@ -52,8 +52,8 @@ struct Gemm {
         Desc db(b.data(), 2, 8, b_rows(), 8 * ldb, b_cols());
         Desc dc(c.data(), 2, 8, m, 8 * ldc, n);
         void* d_base = d.data();
-        mivor_gemm_args args{&dc.d, &da.d, &db.d, with_d ? &d_base : nullptr, &ta, &tb, &alpha, &beta,
-                             &ldc, &lda, &ldb, &ldd};
+        mivor_gemm_args args{&dc.d, &da.d, &db.d, with_d ? &d_base : nullptr, &ta, &tb, &alpha, &beta, &ldc,
+                             &lda,  &ldb,  &ldd};
         g_mt22blasd(&args);
     }
 
@@ -75,11 +75,16 @@ std::int32_t pick(Random& r, std::initializer_list<std::int32_t> values) {
 
 double scalar(Random& r) {
     switch (r.below(7)) {
-        case 0: return 0.0;
-        case 1: return 1.0;
-        case 2: return -1.0;
-        case 3: return kNaN;
-        default: return r.real();
+        case 0:
+            return 0.0;
+        case 1:
+            return 1.0;
+        case 2:
+            return -1.0;
+        case 3:
+            return kNaN;
+        default:
+            return r.real();
     }
 }
 
@@ -188,8 +193,7 @@ TEST(Gemm, NonConformingOperandsReport1375AndLeaveC) {
     std::int32_t huge = 0x7FFFFFFF;
     Desc da(g.a.data(), 2, 8, 4, 32, 5), db(g.b.data(), 2, 8, huge, 8, 3), dc(g.c.data(), 2, 8, 4, 32, 3);
     void* d_base = g.d.data();
-    mivor_gemm_args args{&dc.d, &da.d, &db.d, &d_base, &g.ta, &g.tb, &g.alpha, &g.beta,
-                         &g.ldc, &g.lda, &g.ldb, &g.ldd};
+    mivor_gemm_args args{&dc.d, &da.d, &db.d, &d_base, &g.ta, &g.tb, &g.alpha, &g.beta, &g.ldc, &g.lda, &g.ldb, &g.ldd};
     g_mt22blasd(&args);
     EXPECT_EQ(handler.numbers(), std::vector<std::int32_t>{1375});
     EXPECT_EQ(g.c, before);

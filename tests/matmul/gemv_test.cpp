@@ -83,15 +83,27 @@ TEST(Gemv, ProductsFollowTheStatedOrder) {
         g.incz = pick(r, {1, -1, 2});
         g.with_z = r.below(3) == 0;
         switch (r.below(6)) {
-            case 0: g.alpha = 0; break;
-            case 1: g.alpha = kNaN; break;
-            default: g.alpha = r.real();
+            case 0:
+                g.alpha = 0;
+                break;
+            case 1:
+                g.alpha = kNaN;
+                break;
+            default:
+                g.alpha = r.real();
         }
         switch (r.below(6)) {
-            case 0: g.beta = 0; break;
-            case 1: g.beta = 1; break;
-            case 2: g.beta = kNaN; break;
-            default: g.beta = r.real();
+            case 0:
+                g.beta = 0;
+                break;
+            case 1:
+                g.beta = 1;
+                break;
+            case 2:
+                g.beta = kNaN;
+                break;
+            default:
+                g.beta = r.real();
         }
         g.fill(r);
         // An empty inner dimension: alpha becomes 0, y is only scaled.

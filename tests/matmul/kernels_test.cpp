@@ -62,9 +62,9 @@ TEST_P(GemmKernels, GiveTheReferenceBits) {
             for (double& x : *v) x = r.real();
         std::vector<double> want = cc, stack = cc;
         ref_gemm(at, bt, m, n, k, alpha, a.data(), lda, b.data(), ldb, beta, want.data(), ldc);
-        ASSERT_EQ(_jwe_gdgemm(&ta, &tb, &m, &n, &k, &alpha, a.data(), &lda, b.data(), &ldb, &beta, cc.data(), &ldc,
-                              kernel),
-                  0);
+        ASSERT_EQ(
+            _jwe_gdgemm(&ta, &tb, &m, &n, &k, &alpha, a.data(), &lda, b.data(), &ldb, &beta, cc.data(), &ldc, kernel),
+            0);
         ASSERT_TRUE(all_same(cc.data(), want.data(), want.size()))
             << kernel->name << " case " << c << ": " << ta << tb << " " << m << " x " << n << " x " << k;
         // The small area on the stack: other block sizes, the same bits.

@@ -58,14 +58,26 @@ struct Random {
     }
 };
 
-template <class T> T random_element(Random& r);
-template <> inline float random_element<float>(Random& r) { return static_cast<float>(r.real()); }
-template <> inline double random_element<double>(Random& r) { return r.real(); }
-template <> inline mivor_complex4 random_element<mivor_complex4>(Random& r) {
+template <class T>
+T random_element(Random& r);
+template <>
+inline float random_element<float>(Random& r) {
+    return static_cast<float>(r.real());
+}
+template <>
+inline double random_element<double>(Random& r) {
+    return r.real();
+}
+template <>
+inline mivor_complex4 random_element<mivor_complex4>(Random& r) {
     return {static_cast<float>(r.real()), static_cast<float>(r.real())};
 }
-template <> inline mivor_complex8 random_element<mivor_complex8>(Random& r) { return {r.real(), r.real()}; }
-template <> inline mivor_real16 random_element<mivor_real16>(Random& r) {
+template <>
+inline mivor_complex8 random_element<mivor_complex8>(Random& r) {
+    return {r.real(), r.real()};
+}
+template <>
+inline mivor_real16 random_element<mivor_real16>(Random& r) {
     mivor_real16 q;
     const double d = r.real();
     g_qextd(&q, &d);
@@ -73,7 +85,8 @@ template <> inline mivor_real16 random_element<mivor_real16>(Random& r) {
     q.w[1] ^= static_cast<std::uint32_t>(r.next());
     return q;
 }
-template <> inline mivor_complex16 random_element<mivor_complex16>(Random& r) {
+template <>
+inline mivor_complex16 random_element<mivor_complex16>(Random& r) {
     return {random_element<mivor_real16>(r), random_element<mivor_real16>(r)};
 }
 
@@ -163,9 +176,18 @@ inline mivor_complex4 ref_round(const ExtComplex& s, mivor_complex4) {
 inline mivor_complex8 ref_round(const ExtComplex& s, mivor_complex8) {
     return {static_cast<double>(s.re), static_cast<double>(s.im)};
 }
-template <class T> struct AccOf { using type = Ext; };
-template <> struct AccOf<mivor_complex4> { using type = ExtComplex; };
-template <> struct AccOf<mivor_complex8> { using type = ExtComplex; };
+template <class T>
+struct AccOf {
+    using type = Ext;
+};
+template <>
+struct AccOf<mivor_complex4> {
+    using type = ExtComplex;
+};
+template <>
+struct AccOf<mivor_complex8> {
+    using type = ExtComplex;
+};
 
 // R(i, j) = s + R(i, j) for one 8-term block: s first, rounded by the store.
 inline float ref_store_plus(Ext s, float r) { return static_cast<float>(s + Ext(r)); }
@@ -263,9 +285,8 @@ inline double op_at(const double* x, std::int32_t ld, bool trans, std::int32_t r
 // C = alpha op(A) op(B) + beta C for valid arguments, as described: the
 // trivial cases, the x87 loops when m, n, k are all at most 7, otherwise
 // per element the k-blocks (short one first) with their even/odd chains.
-inline void ref_gemm(bool ta, bool tb, std::int32_t m, std::int32_t n, std::int32_t k, double alpha,
-                     const double* a, std::int32_t lda, const double* b, std::int32_t ldb, double beta, double* c,
-                     std::int32_t ldc) {
+inline void ref_gemm(bool ta, bool tb, std::int32_t m, std::int32_t n, std::int32_t k, double alpha, const double* a,
+                     std::int32_t lda, const double* b, std::int32_t ldb, double beta, double* c, std::int32_t ldc) {
     if (m == 0 || n == 0) return;
     if ((alpha == 0.0 || k == 0) && beta == 1.0) return;
     auto cc = [&](std::int32_t i, std::int32_t j) -> double& { return c[i + std::int64_t{j} * ldc]; };
@@ -280,16 +301,21 @@ inline void ref_gemm(bool ta, bool tb, std::int32_t m, std::int32_t n, std::int3
             if (ta) {
                 for (std::int32_t i = 0; i < m; ++i) {
                     Ext t = 0.0L;
-                    for (std::int32_t l = 0; l < k; ++l) t = t + Ext(op_at(a, lda, true, i, l)) * Ext(op_at(b, ldb, tb, l, j));
-                    cc(i, j) = beta == 0.0 ? double(Ext(alpha) * t) : double(Ext(alpha) * t + Ext(beta) * Ext(cc(i, j)));
+                    for (std::int32_t l = 0; l < k; ++l)
+                        t = t + Ext(op_at(a, lda, true, i, l)) * Ext(op_at(b, ldb, tb, l, j));
+                    cc(i, j) =
+                        beta == 0.0 ? double(Ext(alpha) * t) : double(Ext(alpha) * t + Ext(beta) * Ext(cc(i, j)));
                 }
             } else {
                 for (std::int32_t i = 0; i < m; ++i)
-                    if (beta == 0.0) cc(i, j) = 0.0;
-                    else if (beta != 1.0) cc(i, j) = double(Ext(beta) * Ext(cc(i, j)));
+                    if (beta == 0.0)
+                        cc(i, j) = 0.0;
+                    else if (beta != 1.0)
+                        cc(i, j) = double(Ext(beta) * Ext(cc(i, j)));
                 for (std::int32_t l = 0; l < k; ++l) {
                     const Ext t = Ext(alpha) * Ext(op_at(b, ldb, tb, l, j));
-                    for (std::int32_t i = 0; i < m; ++i) cc(i, j) = double(Ext(cc(i, j)) + t * Ext(op_at(a, lda, false, i, l)));
+                    for (std::int32_t i = 0; i < m; ++i)
+                        cc(i, j) = double(Ext(cc(i, j)) + t * Ext(op_at(a, lda, false, i, l)));
                 }
             }
         }
@@ -303,15 +329,20 @@ inline void ref_gemm(bool ta, bool tb, std::int32_t m, std::int32_t n, std::int3
             for (std::int32_t k0 = 0; k0 < k; k0 += kb, kb = 128) {
                 const double bb = k0 == 0 ? beta : 1.0;
                 double even;
-                if (kb == 128 && bb == 1.0) even = v;
-                else if (bb == 0.0) even = 0.0;
-                else even = bb * v;
+                if (kb == 128 && bb == 1.0)
+                    even = v;
+                else if (bb == 0.0)
+                    even = 0.0;
+                else
+                    even = bb * v;
                 double odd = 0.0;
                 for (std::int32_t l = 0; l < kb; ++l) {
                     const double packed = alpha * op_at(a, lda, ta, i, k0 + l);
                     const double p = packed * op_at(b, ldb, tb, k0 + l, j);
-                    if (l % 2 == 0) even = even + p;
-                    else odd = odd + p;
+                    if (l % 2 == 0)
+                        even = even + p;
+                    else
+                        odd = odd + p;
                 }
                 v = odd + even;
             }
@@ -328,7 +359,9 @@ inline void ref_gemv(bool trans, std::int32_t m, std::int32_t n, double alpha, c
     if (m == 0 || n == 0 || (alpha == 0.0 && beta == 1.0)) return;
     const std::int32_t lx = trans ? m : n, ly = trans ? n : m;
     auto xi = [&](std::int32_t i) { return x[(incx > 0 ? std::int64_t{i} : std::int64_t{i} - (lx - 1)) * incx]; };
-    auto yi = [&](std::int32_t i) -> double& { return y[(incy > 0 ? std::int64_t{i} : std::int64_t{i} - (ly - 1)) * incy]; };
+    auto yi = [&](std::int32_t i) -> double& {
+        return y[(incy > 0 ? std::int64_t{i} : std::int64_t{i} - (ly - 1)) * incy];
+    };
     if (beta != 1.0)
         for (std::int32_t i = 0; i < ly; ++i) yi(i) = beta == 0.0 ? 0.0 : beta * yi(i);
     if (alpha == 0.0) return;

@@ -72,8 +72,8 @@ void report(const char* what, const std::vector<double>& c, const std::vector<__
         exact_hits += c[i] == static_cast<double>(exact[i]);
     }
     std::printf("  %-18s mean %7.3f ulp   correctly rounded %5.1f%%   max error %7.3f u sum|ab|\n", what,
-                sum / static_cast<double>(c.size()), 100.0 * static_cast<double>(exact_hits) / static_cast<double>(c.size()),
-                worst);
+                sum / static_cast<double>(c.size()),
+                100.0 * static_cast<double>(exact_hits) / static_cast<double>(c.size()), worst);
 }
 
 }  // namespace
@@ -83,8 +83,10 @@ int main(int argc, char** argv) {
     bool spread = false;
     std::vector<int> sizes;
     for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--spread") == 0) spread = true;
-        else sizes.push_back(std::atoi(argv[i]));
+        if (std::strcmp(argv[i], "--spread") == 0)
+            spread = true;
+        else
+            sizes.push_back(std::atoi(argv[i]));
     }
     if (sizes.empty()) sizes = {64, 256, 512};
     for (int n : sizes) {

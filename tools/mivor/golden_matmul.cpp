@@ -54,9 +54,15 @@ struct Region {
 // computation has the same bits whichever operand an addition keeps.
 std::uint64_t double_bits(Gen& g) {
     if (g.one_in(24)) {
-        static constexpr std::uint64_t specials[] = {0, 0x8000000000000000u, 0x7FF0000000000000u,
-                                                     0xFFF0000000000000u, 0xFFF8000000000000u, 0x0000000000000001u,
-                                                     0x000FFFFFFFFFFFFFu, 0x7FE0000000000000u, 0x3FF0000000000000u};
+        static constexpr std::uint64_t specials[] = {0,
+                                                     0x8000000000000000u,
+                                                     0x7FF0000000000000u,
+                                                     0xFFF0000000000000u,
+                                                     0xFFF8000000000000u,
+                                                     0x0000000000000001u,
+                                                     0x000FFFFFFFFFFFFFu,
+                                                     0x7FE0000000000000u,
+                                                     0x3FF0000000000000u};
         return specials[g.below(std::size(specials))];
     }
     const std::uint64_t exp = 1023 - 12 + static_cast<std::uint64_t>(g.below(24));
@@ -65,8 +71,8 @@ std::uint64_t double_bits(Gen& g) {
 
 std::uint32_t float_bits(Gen& g) {
     if (g.one_in(24)) {
-        static constexpr std::uint32_t specials[] = {0, 0x80000000u, 0x7F800000u, 0xFF800000u, 0xFFC00000u,
-                                                     0x00000001u, 0x7F000000u, 0x3F800000u};
+        static constexpr std::uint32_t specials[] = {0,           0x80000000u, 0x7F800000u, 0xFF800000u,
+                                                     0xFFC00000u, 0x00000001u, 0x7F000000u, 0x3F800000u};
         return specials[g.below(std::size(specials))];
     }
     const std::uint32_t exp = 127 - 12 + static_cast<std::uint32_t>(g.below(24));
@@ -130,8 +136,9 @@ template <class T>
 mivor_descriptor* operand(Gen& g, Region& pointers, Region& data, int rank, std::int32_t e1, std::int32_t e2) {
     const std::int32_t gap1 = (1 + g.below(3)) * (g.one_in(4) ? -1 : 1);
     std::int32_t gap2 = 0;
-    if (rank == 2) gap2 = g.one_in(3) ? (1 + g.below(2)) * (g.one_in(3) ? -1 : 1) * (e1 > 0 ? e1 : 1) * 3
-                                      : gap1 * (e1 + g.below(3));
+    if (rank == 2)
+        gap2 =
+            g.one_in(3) ? (1 + g.below(2)) * (g.one_in(3) ? -1 : 1) * (e1 > 0 ? e1 : 1) * 3 : gap1 * (e1 + g.below(3));
     if (rank == 2 && gap2 == 0) gap2 = 1;
     const std::int64_t span1 = std::int64_t{e1 > 0 ? e1 - 1 : 0} * gap1;
     const std::int64_t span2 = std::int64_t{e2 > 0 ? e2 - 1 : 0} * gap2;
@@ -194,9 +201,12 @@ char letter(Gen& g) {
 
 double scalar(Gen& g) {
     switch (g.below(8)) {
-        case 0: return 0.0;
-        case 1: return 1.0;
-        case 2: return -1.0;
+        case 0:
+            return 0.0;
+        case 1:
+            return 1.0;
+        case 2:
+            return -1.0;
         case 3: {
             double v;
             const std::uint64_t b = g.one_in(2) ? 0xFFF8000000000000u : 0x4000000000000000u;
@@ -270,9 +280,9 @@ void* gemm_case(Gen& g, Region& pointers, Region& data) {
     auto* d_cell = pointers.take<void*>(1);
     *d_cell = d;
     auto* block = pointers.take<mivor_gemm_args>(1);
-    *block = {dc,         da,          db,          g.one_in(3) ? d_cell : nullptr,
+    *block = {dc,          da,          db,          g.one_in(3) ? d_cell : nullptr,
               &letters[0], &letters[1], &scalars[0], &scalars[1],
-              &lds[0],    &lds[1],     &lds[2],     &lds[3]};
+              &lds[0],     &lds[1],     &lds[2],     &lds[3]};
     return block;
 }
 
@@ -332,14 +342,22 @@ std::span<const unsigned char> run_matrix_case(const exports::Row& row, std::uin
     std::memset(arena.data, 0, arena.data_size);
     const std::string_view name = row.name;
     void* block = nullptr;
-    if (name == "g_matmlr") block = matmul_case<float>(g, pointers, data, false);
-    else if (name == "g_matmld" || name == "jwe_gmd2") block = matmul_case<double>(g, pointers, data, false);
-    else if (name == "g_matmlq") block = matmul_case<mivor_real16>(g, pointers, data, true);
-    else if (name == "g_matmlc") block = matmul_case<mivor_complex4>(g, pointers, data, false);
-    else if (name == "g_matmlx" || name == "jwe_gmx2") block = matmul_case<mivor_complex8>(g, pointers, data, false);
-    else if (name == "g_matmlz") block = matmul_case<mivor_complex16>(g, pointers, data, true);
-    else if (name == "g_mt22blasd") block = gemm_case(g, pointers, data);
-    else if (name == "g_mt21blasd") block = gemv_case(g, pointers, data);
+    if (name == "g_matmlr")
+        block = matmul_case<float>(g, pointers, data, false);
+    else if (name == "g_matmld" || name == "jwe_gmd2")
+        block = matmul_case<double>(g, pointers, data, false);
+    else if (name == "g_matmlq")
+        block = matmul_case<mivor_real16>(g, pointers, data, true);
+    else if (name == "g_matmlc")
+        block = matmul_case<mivor_complex4>(g, pointers, data, false);
+    else if (name == "g_matmlx" || name == "jwe_gmx2")
+        block = matmul_case<mivor_complex8>(g, pointers, data, false);
+    else if (name == "g_matmlz")
+        block = matmul_case<mivor_complex16>(g, pointers, data, true);
+    else if (name == "g_mt22blasd")
+        block = gemm_case(g, pointers, data);
+    else if (name == "g_mt21blasd")
+        block = gemv_case(g, pointers, data);
     const std::size_t block_size = name == "g_mt22blasd"   ? sizeof(mivor_gemm_args)
                                    : name == "g_mt21blasd" ? sizeof(mivor_gemv_args)
                                                            : sizeof(mivor_matmul_args);

@@ -119,8 +119,8 @@ std::unique_ptr<MatrixCall> MatrixCall::parse(const exports::Row& row, std::stri
     lds[1] = b->rows > 1 ? b->rows : 1;  // ldb
     const std::string_view name = row.name;
     if (name == "g_mt22blasd") {
-        const mivor_gemm_args block{dr, da, db, nullptr, letter, letter, &scalars[0], &scalars[1],
-                                    &lds[0], &lds[0], &lds[1], &lds[0]};
+        const mivor_gemm_args block{dr,          da,          db,      nullptr, letter,  letter,
+                                    &scalars[0], &scalars[1], &lds[0], &lds[0], &lds[1], &lds[0]};
         call->block_.assign(reinterpret_cast<const unsigned char*>(&block),
                             reinterpret_cast<const unsigned char*>(&block) + sizeof block);
     } else if (name == "g_mt21blasd") {
