@@ -223,17 +223,24 @@ inline __m128d planted(std::uint32_t w2, std::uint32_t w3) {
     return _mm_or_pd(bits_as_double(w2, w3), _mm_set_sd(0x1p52));
 }
 
-// The digit estimate described above; `offset` = 2^52 c + 1/2 + 2^-13.
-// Below 1/2 + 2^-13 the estimate is clamped to 0 (the digit is 0 then).
-inline std::uint32_t digit_estimate(__m128d y, __m128d c, __m128d offset) {
+// The digit estimate described above, left in the low word of an SSE
+// register; `offset` = 2^52 c + 1/2 + 2^-13.  Below 1/2 + 2^-13 the
+// estimate is clamped to 0 (the digit is 0 then).
+inline __m128d digit_estimate(__m128d y, __m128d c, __m128d offset) {
     __m128d v = _mm_sub_sd(_mm_mul_sd(y, c), offset);
     v = _mm_max_sd(v, _mm_set_sd(-0.5));
-    v = _mm_add_sd(v, _mm_set_sd(0x1.8p52));
-    std::uint32_t q;
-    // Straight into a register: a spill of the digit here would put a
-    // store-to-load round trip on the path of every digit.
-    __asm__("movd %1, %0" : "=r"(q) : "x"(v));
-    return q;
+    return _mm_add_sd(v, _mm_set_sd(0x1.8p52));
+}
+
+// The first digit's estimate does not wait for c: it divides X (the
+// planted double less 2^52, exact) by B 2^-36 directly.  The quotient lies
+// below 2^33 and rounds by at most 2^-21, as does the subtraction of
+// 1/2 + 2^-13: inside the bounds above.
+inline __m128d first_digit_estimate(__m128d y, __m128d b36) {
+    __m128d v = _mm_div_sd(_mm_sub_sd(y, _mm_set_sd(0x1p52)), b36);
+    v = _mm_sub_sd(v, _mm_set_sd(0.5 + 0x1p-13));
+    v = _mm_max_sd(v, _mm_set_sd(-0.5));
+    return _mm_add_sd(v, _mm_set_sd(0x1.8p52));
 }
 
 // One step of the long division: R <- R 2^32 - q b for the estimate q of
@@ -257,7 +264,7 @@ inline std::uint32_t digit_estimate(__m128d y, __m128d c, __m128d offset) {
 // the words are updated in place and never copied (copies of neighbouring
 // 32-bit words get merged into 64-bit moves, whose loads then stall on
 // store forwarding).
-inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t q, __m128d* y) {
+inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, __m128d estimate, __m128d* y) {
     // One pass, written out: the compiler's 64-bit register-pair code for
     // these sums spills most of the partial results, and any spill of Y
     // would put a store-to-load round trip on the path to the next digit,
@@ -269,16 +276,16 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
     std::uint32_t y_lo, y_hi;
     __m128d y_double, scratch;
     __asm__(
-        "movl %[q], %%eax\n\t"
+        "movd %[q], %%eax\n\t"
         "mull %[b2]\n\t"
         "movl %[n2], %[ylo]\n\t"
         "movl %[n3], %[yhi]\n\t"
         "subl %%eax, %[ylo]\n\t"
         "sbbl %%edx, %[yhi]\n\t"
-        "movl %[q], %%eax\n\t"
+        "movd %[q], %%eax\n\t"
         "imull %[b3], %%eax\n\t"
         "subl %%eax, %[yhi]\n\t"
-        "movl %[q], %%eax\n\t"
+        "movd %[q], %%eax\n\t"
         "mull %[b1]\n\t"
         "subl %%edx, %[ylo]\n\t"
         "sbbl $0, %[yhi]\n\t"
@@ -287,34 +294,35 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
         "punpckldq %[t], %[y]\n\t"
         "orpd %[two52], %[y]\n\t"
         // exact pass
-        "movl %[q], %%eax\n\t"
+        "movd %[q], %%eax\n\t"
         "mull %[b0]\n\t"
         "negl %%eax\n\t"
         "movl %%eax, %[n0]\n\t"
         "adcl $0, %%edx\n\t"
         "movl %%edx, %[ylo]\n\t"
-        "movl %[q], %%eax\n\t"
+        "movd %[q], %%eax\n\t"
         "mull %[b1]\n\t"
         "addl %[ylo], %%eax\n\t"
         "adcl $0, %%edx\n\t"
         "subl %%eax, %[n1]\n\t"
         "adcl $0, %%edx\n\t"
         "movl %%edx, %[ylo]\n\t"
-        "movl %[q], %%eax\n\t"
+        "movd %[q], %%eax\n\t"
         "mull %[b2]\n\t"
         "addl %[ylo], %%eax\n\t"
         "adcl $0, %%edx\n\t"
         "subl %%eax, %[n2]\n\t"
         "adcl $0, %%edx\n\t"
-        "movl %[q], %%eax\n\t"
+        "movd %[q], %%eax\n\t"
         "imull %[b3], %%eax\n\t"
         "addl %%edx, %%eax\n\t"
         "subl %%eax, %[n3]"
         : [n0] "=m"(w[-1]), [n1] "+m"(w[0]), [n2] "+m"(w[1]), [n3] "+m"(w[2]), [ylo] "=&r"(y_lo), [yhi] "=&r"(y_hi),
           [y] "=&x"(y_double), [t] "=&x"(scratch)
-        : [q] "rm"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3), [two52] "x"(_mm_set_sd(0x1p52))
+        : [q] "x"(estimate), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3), [two52] "x"(_mm_set_sd(0x1p52))
         : "eax", "edx", "cc");
     *y = y_double;
+    std::uint32_t q = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(estimate)));
     if (w[2] >= b.w3) [[unlikely]] {  // about one digit in 2^13
         const std::uint64_t bh = (std::uint64_t{b.w3} << 32) | b.w2, bl = (std::uint64_t{b.w1} << 32) | b.w0;
         std::uint64_t hi = (std::uint64_t{w[2]} << 32) | w[1], lo = (std::uint64_t{w[0]} << 32) | w[-1];
@@ -418,7 +426,7 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
     w[5] = r.w2;
     w[6] = r.w3;
     __m128d top = planted(r.w2, r.w3);
-    const std::uint32_t q1 = next_digit(w + 3, b, digit_estimate(top, c, offset), &top);
+    const std::uint32_t q1 = next_digit(w + 3, b, first_digit_estimate(top, _mm_mul_sd(big_b, _mm_set_sd(0x1p-36))), &top);
     const std::uint32_t q2 = next_digit(w + 2, b, digit_estimate(top, c, offset), &top);
     const std::uint32_t q3 = next_digit(w + 1, b, digit_estimate(top, c, offset), &top);
     // Both floors at once: of w - 2^-28 in lane 0 and of w + 2^-28 in lane 1.
