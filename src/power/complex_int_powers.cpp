@@ -20,14 +20,15 @@
 // power/real_int8_powers.cpp, power/quad_int_powers.cpp):
 //  * COMPLEX(4) and COMPLEX(8) compute on the x87 stack in extended
 //    precision with the products of complex/arithmetic.h and round each
-//    part once at the end.  Each product adds about 2^-64 of relative
-//    error, so the 11 extra bits absorb the loop's errors for moderate n:
-//    measured on bases of modulus near 1, the result is within 0.51 ulp of
-//    the larger part of the exact power for |n| <= 64, 0.62 for |n| <= 256
-//    and 0.73 for |n| <= 1024 (COMPLEX(8); COMPLEX(4) stays at 0.5), where
-//    a loop in the parts' own precision loses about log2(n) ulps.  The
-//    wide exponent range also keeps intermediate powers from overflowing
-//    or underflowing before the final rounding;
+//    part once at the end.  A product's relative error of about 2^-64
+//    doubles with every later squaring, so the loop's error grows like
+//    n 2^-64, n/2048 units in the last place of a REAL(8), where a loop
+//    in REAL(8) itself grows like n ulps.  Measured on bases of modulus
+//    near 1, the result is within 0.51 ulp of the larger part of the exact
+//    power for |n| <= 64, 0.62 for |n| <= 256 and 0.73 for |n| <= 1024
+//    (COMPLEX(8); COMPLEX(4) stays at 0.5).  The wide exponent range also
+//    keeps intermediate powers from overflowing or underflowing before
+//    the final rounding;
 //    INTEGER(4): shortcuts n = 0 and 1, |n| by a 32-bit negation with
 //    arithmetic shifts (n = -2^31 squares 31 times and stops), the
 //    reciprocal taken last by Smith's quotient; no doubling, which the
