@@ -16,10 +16,25 @@
 #pragma once
 
 #include <cstdint>
+#if !defined(__x86_64__)
+#include <emmintrin.h>
+#endif
 
 #include "frame/values.h"
 
 namespace mivor::model {
+
+// A REAL(8) from its words.  The 32-bit targets join them in an SSE
+// register: two 32-bit stores read back as one 64-bit value (to return it
+// on the x87 stack) would miss store forwarding and stall.
+inline double make_double(std::uint32_t high, std::uint32_t low) {
+#if defined(__x86_64__)
+    return double_from_words(high, low);
+#else
+    return _mm_cvtsd_f64(_mm_castsi128_pd(_mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(low)),
+                                                             _mm_cvtsi32_si128(static_cast<int>(high)))));
+#endif
+}
 
 template <class T>
 struct Model;
@@ -40,7 +55,7 @@ struct Model<double> {
     static constexpr int kBias = 1023;
     static constexpr int kDigits = 53;
     static std::uint32_t top(double x) { return high_word(x); }
-    static double with_top(double x, std::uint32_t top) { return double_from_words(top, low_word(x)); }
+    static double with_top(double x, std::uint32_t top) { return make_double(top, low_word(x)); }
     static bool is_zero(double x) { return x == 0.0; }
 };
 

@@ -32,11 +32,11 @@ float spacing(float x) {
 
 double spacing(double x) {
     const std::int32_t d = exponent(x) - 53;
-    if (x == 0.0) return double_from_words(0x00100000u, 0);
-    if (d > -1023) return double_from_words(static_cast<std::uint32_t>(d + 1023) << 20, 0);
-    if (d > -1043) return double_from_words(static_cast<std::uint32_t>(0x00100000 >> (-1022 - d)), 0);
-    if (d > -1075) return double_from_words(0, 0x80000000u >> (-1043 - d));
-    return double_from_words(0, 1);
+    if (x == 0.0) return make_double(0x00100000u, 0);
+    if (d > -1023) return make_double(static_cast<std::uint32_t>(d + 1023) << 20, 0);
+    if (d > -1043) return make_double(static_cast<std::uint32_t>(0x00100000 >> (-1022 - d)), 0);
+    if (d > -1075) return make_double(0, 0x80000000u >> (-1043 - d));
+    return make_double(0, 1);
 }
 
 Real16 spacing(const Real16& x) {

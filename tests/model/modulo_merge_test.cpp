@@ -52,6 +52,22 @@ TEST(Modulo, RoundedQuotientShows) {
     EXPECT_TRUE(std::isnan(mod8(std::nan(""), 3.0)));
 }
 
+TEST(Modulo, FloorAgreesWithTheFloorKernels) {
+    // MODULO(x, 1) = x - FLOOR(x) exactly for these x: halves (ties of the
+    // rounding inside), values next to integers and to 2^52 / 2^23, both
+    // signs.
+    const double cases[] = {0.5, 1.5, 2.5, 0.25, 0.75, 1 - 0x1p-53, 0x1p52 - 0.5, 0x1p51 + 0.5, 3, 0x1p-1074, 1e-300};
+    for (double c : cases) {
+        for (double x : {c, -c}) {
+            EXPECT_EQ(bits(mod8(x, 1.0)), bits(x - jwe_gfld(&x))) << x;
+            const float xf = static_cast<float>(x);
+            if (std::fabs(xf) < 0x1p23f) {
+                EXPECT_EQ(bits(mod4(xf, 1.0f)), bits(xf - jwe_gflo(&xf))) << xf;
+            }
+        }
+    }
+}
+
 TEST(Modulo, ZeroDivisorReturnsTheTrueMaximum) {
     RecordingHandler handler([](const mivor::testing::Report&, jwe_control_area&) { return true; });
     EXPECT_EQ(bits(mod4(1.0f, -0.0f)), 0x7F7FFFFFu);
