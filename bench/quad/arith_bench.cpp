@@ -5,7 +5,7 @@
 //   latency     each result is an operand of the next operation;
 //   throughput  1024 independent operations per iteration on random
 //               full-precision operands (exponents within 2^+-8), walking
-//               a pool of 32768 pairs.
+//               a pool of 4096 pairs.
 //
 // With --benchmark_repetitions=N the ratios use the fastest repetition of
 // each; --benchmark_enable_random_interleaving=true spreads the

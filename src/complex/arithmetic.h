@@ -34,6 +34,7 @@
 
 #include "frame/values.h"
 #include "mivor/mivor.h"
+#include "quad/operators.h"
 
 namespace mivor::complex {
 
@@ -57,7 +58,22 @@ inline Extended divide(const Extended& x, const Extended& y) {
     return {(a * r + b) * k, (b * r - a) * k};
 }
 
-// The REAL(16) operators as functions of values.
+// The REAL(16) operators as functions of values (their value forms on the
+// 64-bit target, quad/operators.h).
+#if defined(__x86_64__)
+inline Real16 add(const Real16& x, const Real16& y) {
+    return quad::detail::to_real16(quad::add(quad::detail::load(&x), quad::detail::load(&y)));
+}
+inline Real16 sub(const Real16& x, const Real16& y) {
+    return quad::detail::to_real16(quad::subtract(quad::detail::load(&x), quad::detail::load(&y)));
+}
+inline Real16 mul(const Real16& x, const Real16& y) {
+    return quad::detail::to_real16(quad::multiply(quad::detail::load(&x), quad::detail::load(&y)));
+}
+inline Real16 div(const Real16& x, const Real16& y) {
+    return quad::detail::to_real16(quad::divide(quad::detail::load(&x), quad::detail::load(&y)));
+}
+#else
 inline Real16 add(const Real16& x, const Real16& y) {
     Real16 r;
     g_aqaq(&r, &x, &y);
@@ -78,6 +94,7 @@ inline Real16 div(const Real16& x, const Real16& y) {
     g_aqdq(&r, &x, &y);
     return r;
 }
+#endif
 
 inline bool top_is_zero(const Real16& x) { return (x.w[3] & ~quad::kSignBit) == 0; }
 

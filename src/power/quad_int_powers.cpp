@@ -1,8 +1,9 @@
 // g_aqxi, g_aqxj: REAL(16) raised to an INTEGER(4), INTEGER(8).
 //
-// Binary powering with the REAL(16) operators g_aqmq and g_aqdq, whose
-// reports (overflow, underflow, a zero divisor) reach the caller unchanged:
-// each product and the reciprocal is one correctly rounded operation.  Kept
+// Binary powering with the REAL(16) operators g_aqmq and g_aqdq (their
+// value forms on the 64-bit target), whose reports (overflow, underflow, a
+// zero divisor) reach the caller unchanged: each product and the
+// reciprocal is one correctly rounded operation.  Kept
 // on purpose, since compiled programs see every one of these bits:
 //  * the reciprocal comes first: for n < 0 the base is replaced by
 //    1 / x and |n| powered; there is no final division, no doubling and no
@@ -21,6 +22,7 @@
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
 #include "power/zero_base.h"
+#include "quad/operators.h"
 
 namespace mivor::power {
 namespace {
@@ -29,14 +31,32 @@ constexpr Real16 kOne = quad::make(0x3FFF0000u, 0, 0, 0);
 
 bool top_is_zero(const Real16& x) { return (x.w[3] & ~quad::kSignBit) == 0; }
 
-Real16 mul(const Real16& x, const Real16& y) {
+// The operators: on the 64-bit target their value forms (quad/operators.h),
+// which keep a chain of squarings in registers; the exports elsewhere.
+#if defined(__x86_64__)
+using Value = quad::detail::Halves;
+Value value_of(const Real16& x) { return quad::detail::load(&x); }
+Real16 real16_of(Value v) { return quad::detail::to_real16(v); }
+Value mul(Value x, Value y) { return quad::multiply(x, y); }
+Value reciprocal(Value x) { return quad::divide(value_of(kOne), x); }
+#else
+using Value = Real16;
+Value value_of(const Real16& x) { return x; }
+Real16 real16_of(Value v) { return v; }
+Value mul(const Value& x, const Value& y) {
     Real16 r;
     g_aqmq(&r, &x, &y);
     return r;
 }
+Value reciprocal(const Value& x) {
+    Real16 r;
+    g_aqdq(&r, &kOne, &x);
+    return r;
+}
+#endif
 
 // Stops as soon as the word runs out: no squaring after its last bit.
-void run_word(Real16& acc, Real16& x, std::uint32_t word) {
+void run_word(Value& acc, Value& x, std::uint32_t word) {
     for (;;) {
         if (word & 1) acc = mul(acc, x);
         word >>= 1;
@@ -45,34 +65,29 @@ void run_word(Real16& acc, Real16& x, std::uint32_t word) {
     }
 }
 
-void take_reciprocal(Real16& x) {
-    const Real16 base = x;
-    g_aqdq(&x, &kOne, &base);
-}
-
-Real16 power_by_int4(Real16 x, std::int32_t n) {
-    Real16 acc = kOne;
+Real16 power_by_int4(Real16 base, std::int32_t n) {
+    Value x = value_of(base), acc = value_of(kOne);
     std::uint32_t m = static_cast<std::uint32_t>(n);
     if (n < 0) {
         m = 0u - m;
-        take_reciprocal(x);
+        x = reciprocal(x);
     }
     run_word(acc, x, m);
-    return acc;
+    return real16_of(acc);
 }
 
-Real16 power_by_int8(Real16 x, std::int64_t n) {
+Real16 power_by_int8(Real16 base, std::int64_t n) {
     std::uint32_t low = static_cast<std::uint32_t>(static_cast<std::uint64_t>(n));
     std::uint32_t high = static_cast<std::uint32_t>(static_cast<std::uint64_t>(n) >> 32);
-    Real16 acc = kOne;
+    Value x = value_of(base), acc = value_of(kOne);
     if (static_cast<std::int32_t>(high) < 0) {
         high = low != 0 ? ~high : 0u - high;
         low = 0u - low;
-        take_reciprocal(x);
+        x = reciprocal(x);
     }
     if (high == 0) {
         run_word(acc, x, low);
-        return acc;
+        return real16_of(acc);
     }
     for (int i = 0; i < 32; ++i) {
         if (low & 1) acc = mul(acc, x);
@@ -80,7 +95,7 @@ Real16 power_by_int8(Real16 x, std::int64_t n) {
         x = mul(x, x);
     }
     run_word(acc, x, high);
-    return acc;
+    return real16_of(acc);
 }
 
 template <class N, Real16 (*power)(Real16, N)>

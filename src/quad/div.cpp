@@ -51,6 +51,7 @@
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
+#include "quad/operators.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -486,16 +487,21 @@ inline Outcome attempt(Halves x, Halves y, Halves* out) {
 }
 
 }  // namespace
+
+#if defined(__x86_64__)
+Halves divide(Halves x, Halves y) {
+    Halves r;
+    if (attempt(x, y, &r) != Outcome::ok) [[unlikely]] r = recover(x, y);
+    return r;
+}
+#endif
+
 }  // namespace mivor::quad
 
 extern "C" mivor_real16* g_aqdq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
     using namespace mivor::quad;
 #if defined(__x86_64__)
-    const Halves x = detail::load(a), y = detail::load(b);
-    Halves r;
-    const Outcome o = attempt(x, y, &r);
-    if (o != Outcome::ok) [[unlikely]] r = recover(x, y);
-    detail::store(result, r);
+    detail::store(result, divide(detail::load(a), detail::load(b)));
 #else
     // The first attempt on words, read straight from the operands and
     // written straight to the result (a word at a time: a wider load of
