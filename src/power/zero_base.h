@@ -9,7 +9,11 @@
 // that is not positive for the complex kinds (power/complex_int_powers.cpp).
 #pragma once
 
+#include <type_traits>
+
 #include "frame/report.h"
+#include "frame/special_values.h"
+#include "frame/x87.h"
 
 namespace mivor::power {
 
@@ -39,6 +43,25 @@ template <class T, class N, class IsZero, class Power>
 template <class T, class N, class Power>
 [[gnu::cold, gnu::noinline]] T zero_base(T x, N n, Error error, T inf, T huge, Power power) {
     return zero_base(x, n, ZeroBase<T>{error, T(1), T(0), inf, huge}, [](T v) { return v == T(0); }, power);
+}
+
+// x**n of the REAL(4) and REAL(8) entries: a zero base takes the report
+// path above, every other base (NaN included) `raise_to`.
+template <class T, class N, class RaiseTo>
+inline T integer_power(T x, N n, Error error, RaiseTo raise_to) {
+    if (!(x == T(0))) [[likely]] return raise_to(x, n);
+    if constexpr (std::is_same_v<T, float>) return zero_base(x, n, error, _Inf_F, kHuge_F, raise_to);
+    else return zero_base(x, n, error, _Inf_D, kHuge_D, raise_to);
+}
+
+// The REAL(4) members run the REAL(8) steps on the x87 stack in extended
+// precision, the base widened there and the result rounded to REAL(4) only
+// on return.
+template <class N, long double (*steps)(long double, N)>
+float in_extended(float x, N n) {
+    x87::ExtendedPrecision scope;
+    const long double result = steps(scope.pin(x), n);
+    return static_cast<float>(scope.pin(result));
 }
 
 }  // namespace mivor::power

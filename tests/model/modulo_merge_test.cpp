@@ -108,6 +108,8 @@ TEST(Merge, MaskWordAndCopies) {
     mivor_real16 rq;
     EXPECT_EQ(g_mrgq(&rq, &tq, &fq, &yes), &rq);
     EXPECT_TRUE(same(rq, tq));
+    g_mrgq(&rq, &tq, &fq, &no);
+    EXPECT_TRUE(same(rq, fq));
     const mivor_complex4 tc{f32(0x7F800001u), -0.0f}, fc{1.0f, 2.0f};
     mivor_complex4 rc;
     g_cmrg(&rc, &tc, &fc, &minus);
@@ -121,19 +123,27 @@ TEST(Merge, ComplexEightAndSixteenMayOverlapEitherSource) {
     const std::int32_t yes = 1;
     // The result area is FSOURCE itself and MASK is true: TSOURCE arrives
     // intact.
+    const std::int32_t no = 0;
     mivor_complex8 t8{1.5, -2.5}, f8{7.0, 8.0};
+    g_dmrg(&t8, &t8, &f8, &no);  // and the result area TSOURCE, MASK false
+    EXPECT_EQ(t8.re, 7.0);
+    EXPECT_EQ(t8.im, 8.0);
+    t8 = {1.5, -2.5};
     g_dmrg(&f8, &t8, &f8, &yes);
     EXPECT_EQ(f8.re, 1.5);
     EXPECT_EQ(f8.im, -2.5);
     // A result area one part further on than TSOURCE: copied through a
     // local, the parts do not run into each other.
     mivor_real16 area[3] = {q(0x3FFF0000, 1, 2, 3), q(0x40000000, 4, 5, 6), q(0)};
-    mivor_complex16 t16, f16{};
+    mivor_complex16 t16, f16{q(0x3FFF0000), q(0xC0000000)};
     std::memcpy(&t16, area, sizeof t16);
     auto* overlapping = reinterpret_cast<mivor_complex16*>(&area[1]);
     g_qmrg(overlapping, reinterpret_cast<const mivor_complex16*>(&area[0]), &f16, &yes);
     EXPECT_TRUE(same(area[1], t16.re));
     EXPECT_TRUE(same(area[2], t16.im));
+    mivor_complex16 r16;
+    g_qmrg(&r16, &t16, &f16, &no);
+    EXPECT_TRUE(same(r16.re, f16.re) && same(r16.im, f16.im));
 }
 
 }  // namespace
