@@ -179,6 +179,8 @@ TEST(NumericModel, SetExponentZerosDifferByKind) {
     EXPECT_EQ(bits(stexp(-0.0, 1)), bits(-0.0));
     EXPECT_EQ(bits(stexp(0.0, 1)), 0u);
     EXPECT_TRUE(same(stexpq(q(0x80000000), 1), q(0x80000000)));
+    EXPECT_TRUE(same(stexpq(q(0xBFFF8000, 1, 2, 3), 5), q(0xC0038000, 1, 2, 3)));  // -1.5 -> -24
+    EXPECT_TRUE(same(stexpq(q(0x3FFF0000), 20000), q(0x8E1E0000)));               // wraps
     EXPECT_EQ(bits(stexp(3.0f, 130)), 0x80400000u);  // wraps into the sign bit
     EXPECT_EQ(bits(stexp(-3.0, -2000)), 0xC2E8000000000000u);
 }
