@@ -5,8 +5,7 @@
 //   q = A / P, rounded to the kind (REAL(4)/REAL(8): divided on the x87
 //       stack and stored, so a REAL(8) quotient is rounded twice, to 64
 //       bits and then to 53);
-//   f = FLOOR(q), exact, with the bits of the FLOOR kernels (jwe_gflo,
-//       jwe_gfld) but without leaving the x87 stack;
+//   f = FLOOR(q), exact (the FLOOR kernels of quad/floor.h);
 //   A - f * P on the x87 stack, rounded to the kind once on return.
 // REAL(16) takes the same steps with g_aqdq, FLOOR, g_aqmq and g_aqsq, whose
 // own reports (278, 279, 1397, 1398) reach the caller unchanged.
@@ -35,30 +34,12 @@ constexpr float kMax_F = std::bit_cast<float>(0x7F7FFFFFu);
 constexpr double kMax_D = std::bit_cast<double>(0x7FEFFFFFFFFFFFFFu);
 constexpr Real16 kMax_Q = quad::make(0x7FFEFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu);
 
-// FLOOR of a REAL(4) or REAL(8) value q, in 64-bit precision and
-// round-to-nearest: the bits the FLOOR kernels give, without their integer
-// work, whose way back to the x87 stack on the 32-bit targets (two 32-bit
-// stores read as one 64-bit value) would stall on store forwarding.
-// Below 2^52 in magnitude q + 2^63 (or - 2^63, by the sign of q) lies
-// where the spacing is 1, so adding and taking off 2^63 rounds q to an
-// integer t exactly; t > q means it rounded up.  Zeros, integral values,
-// infinities and the (quiet) NaNs of a division come back as they are.
-// An indexed step rather than a branch: for negative quotients half of all
-// roundings go up, unpredictably.
-long double floor_on_stack(long double q) {
-    if (!(__builtin_fabsl(q) < 0x1p52L) || q == 0) return q;
-    static constexpr long double kStep[2] = {0.0L, 1.0L};
-    const long double c = q < 0 ? -0x1p63L : 0x1p63L;
-    const long double t = (q + c) - c;
-    return t - kStep[t > q];
-}
-
 template <class T>
 T formula(T a, T p) {
     x87::ExtendedPrecision scope;
     const long double la = scope.pin(a), lp = scope.pin(p);
     const T q = static_cast<T>(scope.pin(la / lp));
-    const long double f = floor_on_stack(q);
+    const long double f = quad::floor_of(q);
     return static_cast<T>(scope.pin(la - f * lp));
 }
 
