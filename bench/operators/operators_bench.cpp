@@ -31,26 +31,26 @@ using mivor_bench::splitmix;
 
 // The peers (C linkage, one loop each over n elements).
 extern "C" {
-#define PEER_MODEL(k, R)                                                                         \
-    void gf_exponent_r##k(int, const R*, std::int32_t*);                                         \
-    void gf_fraction_r##k(int, const R*, R*);                                                    \
-    void gf_rrspacing_r##k(int, const R*, R*);                                                   \
-    void gf_spacing_r##k(int, const R*, R*);                                                     \
-    void gf_scale_r##k(int, const R*, const std::int32_t*, R*);                                  \
-    void gf_set_exponent_r##k(int, const R*, const std::int32_t*, R*);                           \
-    void gf_nearest_r##k(int, const R*, const R*, R*);                                           \
-    void gf_modulo_r##k(int, const R*, const R*, R*);                                            \
-    void gf_merge_r##k(int, const R*, const R*, const std::int32_t*, R*);                        \
-    void gf_power_r##k##_i4(int, const R*, const std::int32_t*, R*);                             \
+#define PEER_MODEL(k, R)                                                  \
+    void gf_exponent_r##k(int, const R*, std::int32_t*);                  \
+    void gf_fraction_r##k(int, const R*, R*);                             \
+    void gf_rrspacing_r##k(int, const R*, R*);                            \
+    void gf_spacing_r##k(int, const R*, R*);                              \
+    void gf_scale_r##k(int, const R*, const std::int32_t*, R*);           \
+    void gf_set_exponent_r##k(int, const R*, const std::int32_t*, R*);    \
+    void gf_nearest_r##k(int, const R*, const R*, R*);                    \
+    void gf_modulo_r##k(int, const R*, const R*, R*);                     \
+    void gf_merge_r##k(int, const R*, const R*, const std::int32_t*, R*); \
+    void gf_power_r##k##_i4(int, const R*, const std::int32_t*, R*);      \
     void gf_power_r##k##_i8(int, const R*, const std::int64_t*, R*);
 PEER_MODEL(4, float)
 PEER_MODEL(8, double)
 PEER_MODEL(16, mivor_real16)
-#define PEER_COMPLEX(k, C)                                                                       \
-    void gf_multiply_c##k(int, const C*, const C*, C*);                                          \
-    void gf_divide_c##k(int, const C*, const C*, C*);                                            \
-    void gf_power_c##k##_i4(int, const C*, const std::int32_t*, C*);                             \
-    void c_multiply_c##k(int, const C*, const C*, C*);                                           \
+#define PEER_COMPLEX(k, C)                                           \
+    void gf_multiply_c##k(int, const C*, const C*, C*);              \
+    void gf_divide_c##k(int, const C*, const C*, C*);                \
+    void gf_power_c##k##_i4(int, const C*, const std::int32_t*, C*); \
+    void c_multiply_c##k(int, const C*, const C*, C*);               \
     void c_divide_c##k(int, const C*, const C*, C*);
 PEER_COMPLEX(4, mivor_complex4)
 PEER_COMPLEX(8, mivor_complex8)
@@ -155,33 +155,77 @@ float to_float(double v) { return static_cast<float>(v); }
 double to_double(double v) { return v; }
 
 // One kind's complex product and quotient rows.
-#define COMPLEX_ROWS(k, label, mul, div, d)                                                                   \
-    row(label " x*y", [&] { for (int i = 0; i < kN; ++i) mul(&d.r[i], &d.x[i], &d.y[i]); },                 \
-        "gfortran -O2", [&] { gf_multiply_c##k(kN, d.x.data(), d.y.data(), d.r.data()); },                  \
-        "C _Complex", [&] { c_multiply_c##k(kN, d.x.data(), d.y.data(), d.r.data()); });                    \
-    row(label " x/y", [&] { for (int i = 0; i < kN; ++i) div(&d.r[i], &d.x[i], &d.y[i]); },                 \
-        "gfortran -O2", [&] { gf_divide_c##k(kN, d.x.data(), d.y.data(), d.r.data()); },                    \
-        "C _Complex", [&] { c_divide_c##k(kN, d.x.data(), d.y.data(), d.r.data()); });
+#define COMPLEX_ROWS(k, label, mul, div, d)                                                              \
+    row(                                                                                                 \
+        label " x*y",                                                                                    \
+        [&] {                                                                                            \
+            for (int i = 0; i < kN; ++i) mul(&d.r[i], &d.x[i], &d.y[i]);                                 \
+        },                                                                                               \
+        "gfortran -O2", [&] { gf_multiply_c##k(kN, d.x.data(), d.y.data(), d.r.data()); }, "C _Complex", \
+        [&] { c_multiply_c##k(kN, d.x.data(), d.y.data(), d.r.data()); });                               \
+    row(                                                                                                 \
+        label " x/y",                                                                                    \
+        [&] {                                                                                            \
+            for (int i = 0; i < kN; ++i) div(&d.r[i], &d.x[i], &d.y[i]);                                 \
+        },                                                                                               \
+        "gfortran -O2", [&] { gf_divide_c##k(kN, d.x.data(), d.y.data(), d.r.data()); }, "C _Complex",   \
+        [&] { c_divide_c##k(kN, d.x.data(), d.y.data(), d.r.data()); });
 
 // One kind's numeric-model rows, each export call written out.
-#define MODEL_ROWS(k, label, d, EXPON, FRACT, RRSPA, SPACI, SCALE, STEXP, NEARE, MODUL, MERGE)               \
-    row(label " EXPONENT", [&] { for (int i = 0; i < kN; ++i) d.ir[i] = EXPON(&d.x[i]); },                  \
-        "gfortran -O2", [&] { gf_exponent_r##k(kN, d.x.data(), d.ir.data()); });                            \
-    row(label " FRACTION", [&] { for (int i = 0; i < kN; ++i) FRACT; },                                     \
-        "gfortran -O2", [&] { gf_fraction_r##k(kN, d.x.data(), d.r.data()); });                             \
-    row(label " RRSPACING", [&] { for (int i = 0; i < kN; ++i) RRSPA; },                                    \
-        "gfortran -O2", [&] { gf_rrspacing_r##k(kN, d.x.data(), d.r.data()); });                            \
-    row(label " SPACING", [&] { for (int i = 0; i < kN; ++i) SPACI; },                                      \
-        "gfortran -O2", [&] { gf_spacing_r##k(kN, d.x.data(), d.r.data()); });                              \
-    row(label " SCALE", [&] { for (int i = 0; i < kN; ++i) SCALE; },                                        \
-        "gfortran -O2", [&] { gf_scale_r##k(kN, d.x.data(), d.e.data(), d.r.data()); });                    \
-    row(label " SET_EXPONENT", [&] { for (int i = 0; i < kN; ++i) STEXP; },                                 \
-        "gfortran -O2", [&] { gf_set_exponent_r##k(kN, d.x.data(), d.e.data(), d.r.data()); });             \
-    row(label " NEAREST", [&] { for (int i = 0; i < kN; ++i) NEARE; },                                      \
-        "gfortran -O2", [&] { gf_nearest_r##k(kN, d.x.data(), d.s.data(), d.r.data()); });                  \
-    row(label " MODULO", [&] { for (int i = 0; i < kN; ++i) MODUL; },                                       \
-        "gfortran -O2", [&] { gf_modulo_r##k(kN, d.x.data(), d.p.data(), d.r.data()); });                   \
-    row(label " MERGE", [&] { for (int i = 0; i < kN; ++i) MERGE; },                                        \
+#define MODEL_ROWS(k, label, d, EXPON, FRACT, RRSPA, SPACI, SCALE, STEXP, NEARE, MODUL, MERGE)  \
+    row(                                                                                        \
+        label " EXPONENT",                                                                      \
+        [&] {                                                                                   \
+            for (int i = 0; i < kN; ++i) d.ir[i] = EXPON(&d.x[i]);                              \
+        },                                                                                      \
+        "gfortran -O2", [&] { gf_exponent_r##k(kN, d.x.data(), d.ir.data()); });                \
+    row(                                                                                        \
+        label " FRACTION",                                                                      \
+        [&] {                                                                                   \
+            for (int i = 0; i < kN; ++i) FRACT;                                                 \
+        },                                                                                      \
+        "gfortran -O2", [&] { gf_fraction_r##k(kN, d.x.data(), d.r.data()); });                 \
+    row(                                                                                        \
+        label " RRSPACING",                                                                     \
+        [&] {                                                                                   \
+            for (int i = 0; i < kN; ++i) RRSPA;                                                 \
+        },                                                                                      \
+        "gfortran -O2", [&] { gf_rrspacing_r##k(kN, d.x.data(), d.r.data()); });                \
+    row(                                                                                        \
+        label " SPACING",                                                                       \
+        [&] {                                                                                   \
+            for (int i = 0; i < kN; ++i) SPACI;                                                 \
+        },                                                                                      \
+        "gfortran -O2", [&] { gf_spacing_r##k(kN, d.x.data(), d.r.data()); });                  \
+    row(                                                                                        \
+        label " SCALE",                                                                         \
+        [&] {                                                                                   \
+            for (int i = 0; i < kN; ++i) SCALE;                                                 \
+        },                                                                                      \
+        "gfortran -O2", [&] { gf_scale_r##k(kN, d.x.data(), d.e.data(), d.r.data()); });        \
+    row(                                                                                        \
+        label " SET_EXPONENT",                                                                  \
+        [&] {                                                                                   \
+            for (int i = 0; i < kN; ++i) STEXP;                                                 \
+        },                                                                                      \
+        "gfortran -O2", [&] { gf_set_exponent_r##k(kN, d.x.data(), d.e.data(), d.r.data()); }); \
+    row(                                                                                        \
+        label " NEAREST",                                                                       \
+        [&] {                                                                                   \
+            for (int i = 0; i < kN; ++i) NEARE;                                                 \
+        },                                                                                      \
+        "gfortran -O2", [&] { gf_nearest_r##k(kN, d.x.data(), d.s.data(), d.r.data()); });      \
+    row(                                                                                        \
+        label " MODULO",                                                                        \
+        [&] {                                                                                   \
+            for (int i = 0; i < kN; ++i) MODUL;                                                 \
+        },                                                                                      \
+        "gfortran -O2", [&] { gf_modulo_r##k(kN, d.x.data(), d.p.data(), d.r.data()); });       \
+    row(                                                                                        \
+        label " MERGE",                                                                         \
+        [&] {                                                                                   \
+            for (int i = 0; i < kN; ++i) MERGE;                                                 \
+        },                                                                                      \
         "gfortran -O2", [&] { gf_merge_r##k(kN, d.x.data(), d.s.data(), d.mask.data(), d.r.data()); });
 
 }  // namespace
@@ -201,21 +245,49 @@ int main(int argc, char** argv) {
     COMPLEX_ROWS(16, "COMPLEX(16)", g_azmz, g_azdz, c16)
 
     header("integer powers, n in [-64, 64]");
-    row("REAL(4)**INTEGER(4)", [&] { for (int i = 0; i < kN; ++i) f.r[i] = g_arxi(&f.base[i], &f.n4[i]); },
+    row(
+        "REAL(4)**INTEGER(4)",
+        [&] {
+            for (int i = 0; i < kN; ++i) f.r[i] = g_arxi(&f.base[i], &f.n4[i]);
+        },
         "gfortran -O2", [&] { gf_power_r4_i4(kN, f.base.data(), f.n4.data(), f.r.data()); });
-    row("REAL(8)**INTEGER(4)", [&] { for (int i = 0; i < kN; ++i) d.r[i] = g_adxi(&d.base[i], &d.n4[i]); },
+    row(
+        "REAL(8)**INTEGER(4)",
+        [&] {
+            for (int i = 0; i < kN; ++i) d.r[i] = g_adxi(&d.base[i], &d.n4[i]);
+        },
         "gfortran -O2", [&] { gf_power_r8_i4(kN, d.base.data(), d.n4.data(), d.r.data()); });
-    row("REAL(8)**INTEGER(8)", [&] { for (int i = 0; i < kN; ++i) d.r[i] = g_adxj(&d.base[i], &d.n8[i]); },
+    row(
+        "REAL(8)**INTEGER(8)",
+        [&] {
+            for (int i = 0; i < kN; ++i) d.r[i] = g_adxj(&d.base[i], &d.n8[i]);
+        },
         "gfortran -O2", [&] { gf_power_r8_i8(kN, d.base.data(), d.n8.data(), d.r.data()); });
-    row("REAL(16)**INTEGER(4)", [&] { for (int i = 0; i < kN; ++i) g_aqxi(&q.r[i], &q.base[i], &q.n4[i]); },
-        "gfortran -O2", [&] { gf_power_r16_i4(kN, q.base.data(), q.n4.data(), q.r.data()); },
-        "__float128, same method", [&] { c_power_r16_i4(kN, q.base.data(), q.n4.data(), q.r.data()); });
-    row("REAL(16)**INTEGER(8)", [&] { for (int i = 0; i < kN; ++i) g_aqxj(&q.r[i], &q.base[i], &q.n8[i]); },
-        "gfortran -O2", [&] { gf_power_r16_i8(kN, q.base.data(), q.n8.data(), q.r.data()); },
-        "__float128, same method", [&] { c_power_r16_i8(kN, q.base.data(), q.n8.data(), q.r.data()); });
-    row("COMPLEX(8)**INTEGER(4)", [&] { for (int i = 0; i < kN; ++i) g_axxi(&c8.r[i], &c8.base[i], &d.n4[i]); },
+    row(
+        "REAL(16)**INTEGER(4)",
+        [&] {
+            for (int i = 0; i < kN; ++i) g_aqxi(&q.r[i], &q.base[i], &q.n4[i]);
+        },
+        "gfortran -O2", [&] { gf_power_r16_i4(kN, q.base.data(), q.n4.data(), q.r.data()); }, "__float128, same method",
+        [&] { c_power_r16_i4(kN, q.base.data(), q.n4.data(), q.r.data()); });
+    row(
+        "REAL(16)**INTEGER(8)",
+        [&] {
+            for (int i = 0; i < kN; ++i) g_aqxj(&q.r[i], &q.base[i], &q.n8[i]);
+        },
+        "gfortran -O2", [&] { gf_power_r16_i8(kN, q.base.data(), q.n8.data(), q.r.data()); }, "__float128, same method",
+        [&] { c_power_r16_i8(kN, q.base.data(), q.n8.data(), q.r.data()); });
+    row(
+        "COMPLEX(8)**INTEGER(4)",
+        [&] {
+            for (int i = 0; i < kN; ++i) g_axxi(&c8.r[i], &c8.base[i], &d.n4[i]);
+        },
         "gfortran -O2", [&] { gf_power_c8_i4(kN, c8.base.data(), d.n4.data(), c8.r.data()); });
-    row("COMPLEX(16)**INTEGER(4)", [&] { for (int i = 0; i < kN; ++i) g_azxi(&c16.r[i], &c16.base[i], &q.n4[i]); },
+    row(
+        "COMPLEX(16)**INTEGER(4)",
+        [&] {
+            for (int i = 0; i < kN; ++i) g_azxi(&c16.r[i], &c16.base[i], &q.n4[i]);
+        },
         "gfortran -O2", [&] { gf_power_c16_i4(kN, c16.base.data(), q.n4.data(), c16.r.data()); },
         "__complex128, same method", [&] { c_power_c16_i4(kN, c16.base.data(), q.n4.data(), c16.r.data()); });
 
@@ -225,18 +297,23 @@ int main(int argc, char** argv) {
                f.r[i] = g_neare(&f.x[i], &f.s[i]), f.r[i] = g_modlr(&f.x[i], &f.p[i]),
                f.r[i] = g_mrgr(&f.x[i], &f.s[i], &f.mask[i]))
     MODEL_ROWS(8, "REAL(8)", d, g_expond, d.r[i] = g_fractd(&d.x[i]), d.r[i] = g_rrspad(&d.x[i]),
-               d.r[i] = g_spacid(&d.x[i]), d.r[i] = g_scaled(&d.x[i], &d.e[i]),
-               d.r[i] = g_stexpd(&d.x[i], &d.e[i]), d.r[i] = g_neared(&d.x[i], &d.s[i]),
-               d.r[i] = g_modld(&d.x[i], &d.p[i]), d.r[i] = g_mrgd(&d.x[i], &d.s[i], &d.mask[i]))
+               d.r[i] = g_spacid(&d.x[i]), d.r[i] = g_scaled(&d.x[i], &d.e[i]), d.r[i] = g_stexpd(&d.x[i], &d.e[i]),
+               d.r[i] = g_neared(&d.x[i], &d.s[i]), d.r[i] = g_modld(&d.x[i], &d.p[i]),
+               d.r[i] = g_mrgd(&d.x[i], &d.s[i], &d.mask[i]))
     MODEL_ROWS(16, "REAL(16)", q, g_exponq, g_fractq(&q.r[i], &q.x[i]), g_rrspaq(&q.r[i], &q.x[i]),
-               g_spaciq(&q.r[i], &q.x[i]), g_scaleq(&q.r[i], &q.x[i], &q.e[i]),
-               g_stexpq(&q.r[i], &q.x[i], &q.e[i]), g_neareq(&q.r[i], &q.x[i], &q.s[i]),
-               g_modlq(&q.r[i], &q.x[i], &q.p[i]), g_mrgq(&q.r[i], &q.x[i], &q.s[i], &q.mask[i]))
+               g_spaciq(&q.r[i], &q.x[i]), g_scaleq(&q.r[i], &q.x[i], &q.e[i]), g_stexpq(&q.r[i], &q.x[i], &q.e[i]),
+               g_neareq(&q.r[i], &q.x[i], &q.s[i]), g_modlq(&q.r[i], &q.x[i], &q.p[i]),
+               g_mrgq(&q.r[i], &q.x[i], &q.s[i], &q.mask[i]))
 
     // The call alone: an export of another shared library returning its
     // REAL(8) argument, beside the same loop without a call.
-    row("call cost: f(&x) = x", [&] { for (int i = 0; i < kN; ++i) d.r[i] = mivor_bench_pass(&d.x[i]); },
-        "a copy, no call", [&] {
+    row(
+        "call cost: f(&x) = x",
+        [&] {
+            for (int i = 0; i < kN; ++i) d.r[i] = mivor_bench_pass(&d.x[i]);
+        },
+        "a copy, no call",
+        [&] {
             for (int i = 0; i < kN; ++i) {
                 double v = d.x[i];
                 __asm__("" : "+x"(v));

@@ -8,8 +8,8 @@
 // The INTEGER(8) forms put the 32-bit value in the low word and 0 in the
 // high word, also for a negative exponent: EXPONENT(0.25) comes back as
 // 4294967295, not -1.  Callers of the run-time have always received that.
-#include "model/fields.h"
 #include "mivor/mivor.h"
+#include "model/fields.h"
 
 using namespace mivor;
 

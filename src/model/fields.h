@@ -31,8 +31,8 @@ inline double make_double(std::uint32_t high, std::uint32_t low) {
 #if defined(__x86_64__)
     return double_from_words(high, low);
 #else
-    return _mm_cvtsd_f64(_mm_castsi128_pd(_mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(low)),
-                                                             _mm_cvtsi32_si128(static_cast<int>(high)))));
+    return _mm_cvtsd_f64(_mm_castsi128_pd(
+        _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(low)), _mm_cvtsi32_si128(static_cast<int>(high)))));
 #endif
 }
 
@@ -41,9 +41,9 @@ struct Model;
 
 template <>
 struct Model<float> {
-    static constexpr int kShift = 23;    // exponent field starts at this bit of the word
+    static constexpr int kShift = 23;  // exponent field starts at this bit of the word
     static constexpr int kBias = 127;
-    static constexpr int kDigits = 24;   // significand bits, implicit one included
+    static constexpr int kDigits = 24;  // significand bits, implicit one included
     static std::uint32_t top(float x) { return bits_of(x); }
     static float with_top(float, std::uint32_t top) { return float_from_bits(top); }
     static bool is_zero(float x) { return x == 0.0f; }

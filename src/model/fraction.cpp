@@ -16,8 +16,8 @@
 // REAL(4) and REAL(8) results go back through by_value (frame/by_value.h):
 // X returned unchanged may be a signalling NaN.
 #include "frame/by_value.h"
-#include "model/fields.h"
 #include "mivor/mivor.h"
+#include "model/fields.h"
 
 namespace mivor::model {
 namespace {

@@ -47,9 +47,7 @@ T* copy_through_local(T* result, const T* source) {
 
 using namespace mivor;
 
-extern "C" float g_mrgr(const float* t, const float* f, const std::int32_t* mask) {
-    return by_value(*mask ? *t : *f);
-}
+extern "C" float g_mrgr(const float* t, const float* f, const std::int32_t* mask) { return by_value(*mask ? *t : *f); }
 
 extern "C" double g_mrgd(const double* t, const double* f, const std::int32_t* mask) {
     return by_value(*mask ? *t : *f);

@@ -20,8 +20,8 @@
 // REAL(4) and REAL(8) results go back through by_value: a NaN keeps its
 // fraction bits here and may be a signalling one.
 #include "frame/by_value.h"
-#include "model/fields.h"
 #include "mivor/mivor.h"
+#include "model/fields.h"
 
 namespace mivor::model {
 namespace {
@@ -35,17 +35,23 @@ T with_field(const T& x, std::uint32_t field) {
 template <class T>
 T positive_zero();
 template <>
-float positive_zero<float>() { return 0.0f; }
+float positive_zero<float>() {
+    return 0.0f;
+}
 template <>
-double positive_zero<double>() { return 0.0; }
+double positive_zero<double>() {
+    return 0.0;
+}
 template <>
-Real16 positive_zero<Real16>() { return quad::make(0, 0, 0, 0); }
+Real16 positive_zero<Real16>() {
+    return quad::make(0, 0, 0, 0);
+}
 
 template <class T>
 T scale(const T& x, std::int32_t i) {
     if (Model<T>::is_zero(x)) return positive_zero<T>();
-    return with_field(x, static_cast<std::uint32_t>(exponent(x)) + static_cast<std::uint32_t>(i) +
-                             (Model<T>::kBias - 1));
+    return with_field(x,
+                      static_cast<std::uint32_t>(exponent(x)) + static_cast<std::uint32_t>(i) + (Model<T>::kBias - 1));
 }
 
 template <class T>

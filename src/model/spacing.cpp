@@ -16,8 +16,8 @@
 // REAL(4) shifts 0x00800000 right (arithmetically) by -126 - d; REAL(8)
 // shifts 0x00100000 in the high word, then 0x80000000 in the low word
 // (logically).  REAL(16) sets the bit of 2^d among its 112 fraction bits.
-#include "model/fields.h"
 #include "mivor/mivor.h"
+#include "model/fields.h"
 
 namespace mivor::model {
 namespace {

@@ -60,9 +60,13 @@ constexpr Real16 kOne16 = quad::make(0x3FFF0000u, 0, 0, 0);
 template <class V>
 V unit();
 template <>
-Extended unit<Extended>() { return {1.0L, 0.0L}; }
+Extended unit<Extended>() {
+    return {1.0L, 0.0L};
+}
 template <>
-Complex16 unit<Complex16>() { return {kOne16, kZero16}; }
+Complex16 unit<Complex16>() {
+    return {kOne16, kZero16};
+}
 
 // The product of the factors met so far; empty, it is (1, 0).
 template <class V>
@@ -150,16 +154,21 @@ C power_of(C x, N n) {
             const Real16 ab = complex::mul(x.re, x.im);
             return {complex::mul(complex::sub(x.re, x.im), complex::add(x.re, x.im)), complex::add(ab, ab)};
         }
-        if constexpr (sizeof(N) == 4) return power_by_int4(x, n);
-        else return power_by_int8(x, n);
+        if constexpr (sizeof(N) == 4)
+            return power_by_int4(x, n);
+        else
+            return power_by_int8(x, n);
     } else {
         using Part = decltype(x.re);
         x87::ExtendedPrecision scope;
         const long double a = scope.pin(x.re), b = scope.pin(x.im);
         Extended r;
-        if (n == 2) r = {(a - b) * (a + b), a * b + a * b};
-        else if constexpr (sizeof(N) == 4) r = power_by_int4(Extended{a, b}, n);
-        else r = power_by_int8(Extended{a, b}, n);
+        if (n == 2)
+            r = {(a - b) * (a + b), a * b + a * b};
+        else if constexpr (sizeof(N) == 4)
+            r = power_by_int4(Extended{a, b}, n);
+        else
+            r = power_by_int8(Extended{a, b}, n);
         return C{static_cast<Part>(scope.pin(r.re)), static_cast<Part>(scope.pin(r.im))};
     }
 }
@@ -222,14 +231,12 @@ extern "C" mivor_complex8* g_axxj(mivor_complex8* result, const mivor_complex8* 
     return result;
 }
 
-extern "C" mivor_complex16* g_azxi(mivor_complex16* result, const mivor_complex16* base,
-                                   const std::int32_t* exponent) {
+extern "C" mivor_complex16* g_azxi(mivor_complex16* result, const mivor_complex16* base, const std::int32_t* exponent) {
     *result = power::raise(*base, *exponent, Error::zero_to_negative_c16_i4);
     return result;
 }
 
-extern "C" mivor_complex16* g_azxj(mivor_complex16* result, const mivor_complex16* base,
-                                   const std::int64_t* exponent) {
+extern "C" mivor_complex16* g_azxj(mivor_complex16* result, const mivor_complex16* base, const std::int64_t* exponent) {
     *result = power::raise(*base, *exponent, Error::zero_to_negative_c16_i8);
     return result;
 }

@@ -1,8 +1,9 @@
 // jwe_gflo, jwe_gfld, jwe_gflq: FLOOR of a REAL(4), REAL(8), REAL(16) as a
 // value of the same kind, the kernels of MODULO and of the sibling
 // libraries' FLOOR; the method and its rules are in quad/floor.h.
-#include "mivor/mivor.h"
 #include "quad/floor.h"
+
+#include "mivor/mivor.h"
 
 using namespace mivor;
 

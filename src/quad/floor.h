@@ -39,7 +39,7 @@ constexpr Bits floor_bits(Bits b) {
     const int field = static_cast<int>((b & ~kSign) >> fraction_bits);
     const bool negative = (b & kSign) != 0;
     if (field == kMaxField) return b;  // infinities
-    if (field < bias) {  // |x| < 1
+    if (field < bias) {                // |x| < 1
         if ((b & ~kSign) == 0) return b;
         return negative ? (kSign | (Bits(bias) << fraction_bits)) : Bits{0};
     }

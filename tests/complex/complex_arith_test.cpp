@@ -16,12 +16,36 @@ using mivor::testing::q;
 using mivor::testing::RecordingHandler;
 using mivor::testing::same;
 
-mivor_complex4 mul(mivor_complex4 x, mivor_complex4 y) { mivor_complex4 r; EXPECT_EQ(g_acmc(&r, &x, &y), &r); return r; }
-mivor_complex8 mul(mivor_complex8 x, mivor_complex8 y) { mivor_complex8 r; EXPECT_EQ(g_axmx(&r, &x, &y), &r); return r; }
-mivor_complex16 mul(mivor_complex16 x, mivor_complex16 y) { mivor_complex16 r; EXPECT_EQ(g_azmz(&r, &x, &y), &r); return r; }
-mivor_complex4 div(mivor_complex4 x, mivor_complex4 y) { mivor_complex4 r; EXPECT_EQ(g_acdc(&r, &x, &y), &r); return r; }
-mivor_complex8 div(mivor_complex8 x, mivor_complex8 y) { mivor_complex8 r; EXPECT_EQ(g_axdx(&r, &x, &y), &r); return r; }
-mivor_complex16 div(mivor_complex16 x, mivor_complex16 y) { mivor_complex16 r; EXPECT_EQ(g_azdz(&r, &x, &y), &r); return r; }
+mivor_complex4 mul(mivor_complex4 x, mivor_complex4 y) {
+    mivor_complex4 r;
+    EXPECT_EQ(g_acmc(&r, &x, &y), &r);
+    return r;
+}
+mivor_complex8 mul(mivor_complex8 x, mivor_complex8 y) {
+    mivor_complex8 r;
+    EXPECT_EQ(g_axmx(&r, &x, &y), &r);
+    return r;
+}
+mivor_complex16 mul(mivor_complex16 x, mivor_complex16 y) {
+    mivor_complex16 r;
+    EXPECT_EQ(g_azmz(&r, &x, &y), &r);
+    return r;
+}
+mivor_complex4 div(mivor_complex4 x, mivor_complex4 y) {
+    mivor_complex4 r;
+    EXPECT_EQ(g_acdc(&r, &x, &y), &r);
+    return r;
+}
+mivor_complex8 div(mivor_complex8 x, mivor_complex8 y) {
+    mivor_complex8 r;
+    EXPECT_EQ(g_axdx(&r, &x, &y), &r);
+    return r;
+}
+mivor_complex16 div(mivor_complex16 x, mivor_complex16 y) {
+    mivor_complex16 r;
+    EXPECT_EQ(g_azdz(&r, &x, &y), &r);
+    return r;
+}
 
 // Small integers as REAL(16).
 mivor_real16 q_of(int v) {

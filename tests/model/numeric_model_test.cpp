@@ -19,11 +19,31 @@ using mivor::testing::f64;
 using mivor::testing::q;
 using mivor::testing::same;
 
-mivor_real16 fractq(mivor_real16 x) { mivor_real16 r; EXPECT_EQ(g_fractq(&r, &x), &r); return r; }
-mivor_real16 rrspaq(mivor_real16 x) { mivor_real16 r; g_rrspaq(&r, &x); return r; }
-mivor_real16 scaleq(mivor_real16 x, std::int32_t i) { mivor_real16 r; g_scaleq(&r, &x, &i); return r; }
-mivor_real16 stexpq(mivor_real16 x, std::int32_t i) { mivor_real16 r; g_stexpq(&r, &x, &i); return r; }
-mivor_real16 spaciq(mivor_real16 x) { mivor_real16 r; g_spaciq(&r, &x); return r; }
+mivor_real16 fractq(mivor_real16 x) {
+    mivor_real16 r;
+    EXPECT_EQ(g_fractq(&r, &x), &r);
+    return r;
+}
+mivor_real16 rrspaq(mivor_real16 x) {
+    mivor_real16 r;
+    g_rrspaq(&r, &x);
+    return r;
+}
+mivor_real16 scaleq(mivor_real16 x, std::int32_t i) {
+    mivor_real16 r;
+    g_scaleq(&r, &x, &i);
+    return r;
+}
+mivor_real16 stexpq(mivor_real16 x, std::int32_t i) {
+    mivor_real16 r;
+    g_stexpq(&r, &x, &i);
+    return r;
+}
+mivor_real16 spaciq(mivor_real16 x) {
+    mivor_real16 r;
+    g_spaciq(&r, &x);
+    return r;
+}
 std::int32_t exponq(mivor_real16 x) { return g_exponq(&x); }
 
 float scale(float x, std::int32_t i) { return g_scale(&x, &i); }
@@ -50,8 +70,8 @@ struct Normals {
         mivor_real16 x;
         do {
             const std::uint64_t a = random(), b = random();
-            x = q(static_cast<std::uint32_t>(a >> 32), static_cast<std::uint32_t>(a), static_cast<std::uint32_t>(b >> 32),
-                  static_cast<std::uint32_t>(b));
+            x = q(static_cast<std::uint32_t>(a >> 32), static_cast<std::uint32_t>(a),
+                  static_cast<std::uint32_t>(b >> 32), static_cast<std::uint32_t>(b));
         } while (((x.w[3] >> 16) & 0x7FFF) == 0 || ((x.w[3] >> 16) & 0x7FFF) == 0x7FFF);
         return x;
     }
@@ -180,8 +200,8 @@ TEST(NumericModel, SetExponentZerosDifferByKind) {
     EXPECT_EQ(bits(stexp(0.0, 1)), 0u);
     EXPECT_TRUE(same(stexpq(q(0x80000000), 1), q(0x80000000)));
     EXPECT_TRUE(same(stexpq(q(0xBFFF8000, 1, 2, 3), 5), q(0xC0038000, 1, 2, 3)));  // -1.5 -> -24
-    EXPECT_TRUE(same(stexpq(q(0x3FFF0000), 20000), q(0x8E1E0000)));               // wraps
-    EXPECT_EQ(bits(stexp(3.0f, 130)), 0x80400000u);  // wraps into the sign bit
+    EXPECT_TRUE(same(stexpq(q(0x3FFF0000), 20000), q(0x8E1E0000)));                // wraps
+    EXPECT_EQ(bits(stexp(3.0f, 130)), 0x80400000u);                                // wraps into the sign bit
     EXPECT_EQ(bits(stexp(-3.0, -2000)), 0xC2E8000000000000u);
 }
 
@@ -206,7 +226,7 @@ TEST(NumericModel, SpacingLadder) {
     EXPECT_EQ(bits(g_spacid(&sub8)), 1u);
     // REAL(16): every rung sets one fraction bit.
     EXPECT_TRUE(same(spaciq(q(0)), q(0x00010000)));
-    EXPECT_TRUE(same(spaciq(q(0x3FFF0000)), q(0x3F8F0000)));           // 2^-112
+    EXPECT_TRUE(same(spaciq(q(0x3FFF0000)), q(0x3F8F0000)));     // 2^-112
     EXPECT_TRUE(same(spaciq(q(0x00700000)), q(0x00008000)));     // 2^-16383
     EXPECT_TRUE(same(spaciq(q(0x00500000)), q(0, 0x00008000)));  // 2^-16415
     EXPECT_TRUE(same(spaciq(q(0x00010000)), q(0, 0, 0, 1)));

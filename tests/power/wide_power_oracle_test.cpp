@@ -44,8 +44,10 @@ V power_by_method(V x, std::int64_t n, V one) {
     bool empty = true;  // COMPLEX(16) starts from the first factor
     for (;;) {
         if (m & 1) {
-            if constexpr (std::is_same_v<V, __float128>) acc = acc * x;
-            else acc = empty ? x : acc * x;
+            if constexpr (std::is_same_v<V, __float128>)
+                acc = acc * x;
+            else
+                acc = empty ? x : acc * x;
             empty = false;
         }
         m >>= 1;
@@ -95,10 +97,14 @@ double worst_power_error(int max_n) {
         const N n = static_cast<N>(random() % (2 * max_n + 1)) - max_n;
         if (n == 0) continue;
         C p;
-        if constexpr (sizeof(Part) == 4 && sizeof(N) == 4) g_acxi(&p, &x, &n);
-        else if constexpr (sizeof(Part) == 4) g_acxj(&p, &x, &n);
-        else if constexpr (sizeof(N) == 4) g_axxi(&p, &x, &n);
-        else g_axxj(&p, &x, &n);
+        if constexpr (sizeof(Part) == 4 && sizeof(N) == 4)
+            g_acxi(&p, &x, &n);
+        else if constexpr (sizeof(Part) == 4)
+            g_acxj(&p, &x, &n);
+        else if constexpr (sizeof(N) == 4)
+            g_axxi(&p, &x, &n);
+        else
+            g_axxj(&p, &x, &n);
         // The exact power, near enough: binary128 powering of |n| <= 4096
         // loses at most about 2^-100 relative.
         C128 e{1, 0}, b{x.re, x.im};
@@ -112,7 +118,8 @@ double worst_power_error(int max_n) {
         int exp2;
         std::frexp(big, &exp2);
         const double ulp = std::ldexp(1.0, exp2 - std::numeric_limits<Part>::digits);
-        const double err = std::fmax(std::fabs(static_cast<double>(p.re - e.re)), std::fabs(static_cast<double>(p.im - e.im)));
+        const double err =
+            std::fmax(std::fabs(static_cast<double>(p.re - e.re)), std::fabs(static_cast<double>(p.im - e.im)));
         worst = std::fmax(worst, err / ulp);
     }
     return worst;
@@ -123,8 +130,10 @@ TEST(WidePowerOracle, ComplexPowersInExtendedPrecision) {
     const double c8_256 = worst_power_error<mivor_complex8, std::int64_t>(256);
     const double c8_1024 = worst_power_error<mivor_complex8, std::int32_t>(1024);
     const double c4_1024 = worst_power_error<mivor_complex4, std::int64_t>(1024);
-    std::printf("largest normwise error: COMPLEX(8) %.3f ulp (|n| <= 64), %.3f (256), %.3f (1024); "
-                "COMPLEX(4) %.3f (1024)\n", c8_64, c8_256, c8_1024, c4_1024);
+    std::printf(
+        "largest normwise error: COMPLEX(8) %.3f ulp (|n| <= 64), %.3f (256), %.3f (1024); "
+        "COMPLEX(4) %.3f (1024)\n",
+        c8_64, c8_256, c8_1024, c4_1024);
     EXPECT_LE(c8_64, 0.55);
     EXPECT_LE(c8_256, 0.7);
     EXPECT_LE(c8_1024, 1.2);

@@ -26,22 +26,30 @@ constexpr mivor_real16 kInf = q(0x7FFF0000), kNaN = q(0x7FFF8000);
 template <class N>
 mivor_real16 powq(mivor_real16 x, N n) {
     mivor_real16 r;
-    if constexpr (sizeof(N) == 4) EXPECT_EQ(g_aqxi(&r, &x, &n), &r);
-    else EXPECT_EQ(g_aqxj(&r, &x, &n), &r);
+    if constexpr (sizeof(N) == 4)
+        EXPECT_EQ(g_aqxi(&r, &x, &n), &r);
+    else
+        EXPECT_EQ(g_aqxj(&r, &x, &n), &r);
     return r;
 }
 template <class C, class N>
 C powc(C x, N n) {
     C r;
     if constexpr (std::is_same_v<C, mivor_complex4>) {
-        if constexpr (sizeof(N) == 4) g_acxi(&r, &x, &n);
-        else g_acxj(&r, &x, &n);
+        if constexpr (sizeof(N) == 4)
+            g_acxi(&r, &x, &n);
+        else
+            g_acxj(&r, &x, &n);
     } else if constexpr (std::is_same_v<C, mivor_complex8>) {
-        if constexpr (sizeof(N) == 4) g_axxi(&r, &x, &n);
-        else g_axxj(&r, &x, &n);
+        if constexpr (sizeof(N) == 4)
+            g_axxi(&r, &x, &n);
+        else
+            g_axxj(&r, &x, &n);
     } else {
-        if constexpr (sizeof(N) == 4) g_azxi(&r, &x, &n);
-        else g_azxj(&r, &x, &n);
+        if constexpr (sizeof(N) == 4)
+            g_azxi(&r, &x, &n);
+        else
+            g_azxj(&r, &x, &n);
     }
     return r;
 }
