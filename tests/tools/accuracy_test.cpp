@@ -288,6 +288,20 @@ TEST(AccuracySampler, StaysInTheDomainAndCoversIt) {
     }
 }
 
+// The unit forms take MPFR's exact functions of a fraction of a turn.
+TEST(AccuracyRegistry, UnitFormsAreExactInTheUnit) {
+    const Exact sind(unit<mpfr_sinu, 360>), atan2q(unit2<mpfr_atan2u, 4>);
+    Mp x(53), y(53), out(53), ignored(53);
+    mpfr_set_ui(x, 30, MPFR_RNDN);
+    mpfr_srcptr args[2] = {x, y};
+    EXPECT_TRUE(sind.evaluate(out, ignored, args));
+    EXPECT_EQ(mpfr_cmp_d(out, 0.5), 0);
+    mpfr_set_si(x, -1, MPFR_RNDN);  // atan2(-1, -1): -3/8 of a turn, -1.5 quadrants
+    mpfr_set_si(y, -1, MPFR_RNDN);
+    EXPECT_TRUE(atan2q.evaluate(out, ignored, args));
+    EXPECT_EQ(mpfr_cmp_d(out, -1.5), 0);
+}
+
 // Every reference names an export of the table whose kinds it can measure,
 // with axes for its argument coordinates only.
 TEST(AccuracyRegistry, EveryReferenceFitsItsRow) {

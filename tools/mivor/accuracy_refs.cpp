@@ -247,6 +247,18 @@ constexpr Range kMixedHard[] = {
     {"near 1", bits(0.5, 2), bits(0.5L, 2.0L)},
 };
 
+// COMPLEX(16) from its parts, and its conjugate: exact.
+bool complex_of(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    mpfr_set(re, x[0], MPFR_RNDN);
+    mpfr_set(im, x[1], MPFR_RNDN);
+    return true;
+}
+bool conjugate(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    mpfr_set(re, x[0], MPFR_RNDN);
+    mpfr_neg(im, x[1], MPFR_RNDN);
+    return true;
+}
+
 // ---- NEAREST -------------------------------------------------------------------
 
 // The neighbour of x in the direction of s's sign, in the format of x: a
@@ -352,7 +364,8 @@ constexpr Reference kReferences[] = {
     {"g_tan", mpfr_tan, {interval(-823000.0, 823000.0)}, kTrigHard4, 0.51, kUnbounded, fast_tan, kGlibcBits},
     {"g_cotan", mpfr_cot, {magnitudes(0x1p-126, 823000.0)}, kTrigHard4, 0.51, kUnbounded, fast_cot, kGlibcBits},
 
-    // REAL(16) operators and the mixed helpers: correctly rounded.
+    // REAL(16) operators, the mixed helpers and the conversions: correctly
+    // rounded.
     {"g_aqaq", mpfr_add, {kQuadWide, kQuadWide}, kQuadAddHard, 0.5},
     {"g_aqsq", mpfr_sub, {kQuadWide, kQuadWide}, kQuadAddHard, 0.5},
     {"g_aqmq", mpfr_mul, {kQuadHalf, kQuadHalf}, kQuadMulHard, 0.5},
@@ -365,6 +378,8 @@ constexpr Reference kReferences[] = {
     {"g_snglq", mpfr_set, {magnitudes(0x1p-126, 0x1p127)}, {}, 0.5},
     {"g_qextd", mpfr_set, {interval(-kDmax, kDmax)}, {}, 0.5},
     {"g_qext", mpfr_set, {interval(-kFmax, kFmax)}, {}, 0.5},
+    {"g_qcmplx", complex_of, {Axis{}, Axis{}}, {}, 0},
+    {"g_qconjg", conjugate, {Axis{}, Axis{}}, {}, 0},
 
     // NEAREST: exact.  A zero S reports; the domain of S leaves it out.
     {"g_neare", nearest<Scalar::binary32>, {interval(-kFmax, kFmax), magnitudes(0x1p-149, kFmax)}, kNearestHard4, 0},
