@@ -146,7 +146,10 @@ void exhaustive(Run& run, unsigned threads) {
                 }
                 if (ref.fast) {
                     const long double r = ref.fast(x);
-                    if ((b & 0xFFFF) == 0x5A5A && std::isfinite(r)) {
+                    // (Below 2^-140 the bound is moot: every such value
+                    // rounds to zero or the least subnormals alike, and
+                    // glibc's results there are double subnormals.)
+                    if ((b & 0xFFFF) == 0x5A5A && std::isfinite(r) && std::fabs(r) > 0x1p-140L) {
                         ++checked[slice];
                         if (!judge.fast_within(p, r, ref.fast_bits)) ++violations[slice];
                     }
