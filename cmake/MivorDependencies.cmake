@@ -9,7 +9,8 @@
 #   MIVOR_HAVE_MPFR     target mivor_mpfr (MPFR and GMP): `mivor accuracy`,
 #                       the MPFR tests, the table generators (host)
 #   MIVOR_SOLLYA        the sollya program: the table checks (host)
-#   MIVOR_HAVE_FORTRAN  gfortran: the Fortran example (host)
+#   MIVOR_HAVE_FORTRAN  gfortran (mingw-w64's on win32): the gfortran client,
+#                       the Fortran example (host)
 #   MIVOR_HAVE_OPENBLAS target mivor_openblas: the BLAS peer (host)
 #   MIVOR_HAVE_QUADMATH libquadmath: the __float128 oracles (Linux flavours)
 #   MIVOR_HAVE_BENCHMARK Google Benchmark (MIVOR_BENCH builds)
@@ -38,6 +39,20 @@ set(MIVOR_CAN_RUN_TESTS ON)
 
 find_package(Threads REQUIRED)
 
+# gfortran for every flavour: the gfortran client (and on the host the
+# Fortran example); the win32 toolchain names mingw-w64's gfortran.
+include(CheckLanguage)
+check_language(Fortran)
+if(CMAKE_Fortran_COMPILER)
+  set(MIVOR_HAVE_FORTRAN ON)
+elseif(WIN32)
+  mivor_missing("mingw-w64 gfortran" "gfortran-mingw-w64-i686" "the gfortran client")
+elseif(MIVOR_FLAVOUR STREQUAL "i386")
+  mivor_missing("A 32-bit Fortran compiler" "gfortran lib32gfortran-12-dev" "the gfortran client")
+else()
+  mivor_missing("A Fortran compiler" "gfortran" "the gfortran client and the Fortran example")
+endif()
+
 if(MIVOR_FLAVOUR STREQUAL "host")
   # MPFR and GMP: the oracle of the accuracy tool, the MPFR tests and the
   # table generators.
@@ -59,14 +74,6 @@ if(MIVOR_FLAVOUR STREQUAL "host")
     set(MIVOR_SOLLYA ${MIVOR_SOLLYA_PROGRAM})
   else()
     mivor_missing("Sollya" "sollya" "the checks of the fitted tables")
-  endif()
-
-  include(CheckLanguage)
-  check_language(Fortran)
-  if(CMAKE_Fortran_COMPILER)
-    set(MIVOR_HAVE_FORTRAN ON)
-  else()
-    mivor_missing("A Fortran compiler" "gfortran" "the Fortran example")
   endif()
 
   find_library(MIVOR_OPENBLAS_LIBRARY openblas)
