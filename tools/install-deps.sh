@@ -16,7 +16,7 @@ if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
 
 PACKAGES=(
   build-essential cmake ninja-build python3 git
-  gcc-multilib g++-multilib
+  gcc-multilib g++-multilib lib32asan8 lib32ubsan1
   g++-mingw-w64-i686 binutils-mingw-w64-i686
   googletest libgtest-dev libbenchmark-dev
   libmpfr-dev libgmp-dev sollya

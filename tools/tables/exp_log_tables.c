@@ -13,7 +13,7 @@
  * never negative; in atbl hi is ln c_j rounded to nearest.  lo is the
  * remainder rounded to nearest, so hi + lo is within 2^-106 (relative) of
  * the value.
- * Output is C++ initialiser rows with hex-float literals; tools/elementary/
+ * Output is C++ initialiser rows with hex-float literals; tools/tables/
  * gen_exp_log.py puts them into the source headers.
  */
 #include <stdio.h>
