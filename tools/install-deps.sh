@@ -21,6 +21,7 @@ PACKAGES=(
   googletest libgtest-dev libbenchmark-dev
   libmpfr-dev libgmp-dev sollya
   gfortran libopenblas-dev
+  clang libclang-rt-14-dev
 )
 
 # Google Benchmark for the i386 flavour's benchmarks.

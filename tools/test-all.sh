@@ -2,8 +2,11 @@
 # Installs what is missing, builds every flavour (host, host with ASan and
 # UBSan, i386, win32) and runs every test suite, the win32 one under 32-bit
 # wine.  Each suite compares its flavour's golden digests with the
-# committed ones, so passing suites give the same bits everywhere.  Ends
-# with one line "all: N passed, M failed".
+# committed ones, so passing suites give the same bits everywhere.  Two
+# more builds run one job each: host-fuzz (clang, libFuzzer, ASan, UBSan:
+# a minute of fuzzing every implemented export) and host-tsan (every
+# export from four threads under ThreadSanitizer).  Ends with one line
+# "all: N passed, M failed".
 set -uo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
 cd "$root"
@@ -56,12 +59,14 @@ check() {
   if "$@"; then passed=$((passed + 1)); else failed=$((failed + 1)); failures+=("$name"); fi
 }
 
-for preset in host host-asan i386 win32; do
+for preset in host host-asan i386 win32 host-fuzz host-tsan; do
   if ! build "$preset"; then failed=$((failed + 1)); failures+=("build $preset"); fi
 done
 
 suite host
 suite host-asan
+suite host-fuzz
+suite host-tsan
 suite i386
 if [ "$wine_ok" = yes ]; then
   suite win32
