@@ -84,6 +84,9 @@ void on_alarm(int) {
     dump_input();
     _exit(1);
 }
+#endif
+
+#if !defined(MIVOR_DRIVER_ASAN)
 void on_crash(int sig) {
     dump_input();
     std::signal(sig, SIG_DFL);
@@ -206,15 +209,19 @@ int main(int argc, char** argv) {
         else paths.emplace_back(a);
     }
 
-#if !defined(_WIN32)
-    std::signal(SIGALRM, on_alarm);
+#if defined(MIVOR_DRIVER_ASAN)
+    // ASan reports the crash itself, then names the input.
+    __sanitizer_set_death_callback(dump_input);
+#else
     std::signal(SIGSEGV, on_crash);
     std::signal(SIGABRT, on_crash);
-    std::signal(SIGBUS, on_crash);
     std::signal(SIGFPE, on_crash);
+#if !defined(_WIN32)
+    std::signal(SIGBUS, on_crash);
 #endif
-#if defined(MIVOR_DRIVER_ASAN)
-    __sanitizer_set_death_callback(dump_input);
+#endif
+#if !defined(_WIN32)
+    std::signal(SIGALRM, on_alarm);
 #endif
 
     Runner runner;

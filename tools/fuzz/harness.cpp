@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
-#include <set>
+#include <deque>
 
 #include "mivor/control_area.h"
 #include "mivori.h"
@@ -149,6 +149,20 @@ std::vector<std::int32_t> listed_numbers(std::string_view errors) {
     return out;
 }
 
+// What the harness needs of a row, worked out once.
+struct RowFacts {
+    std::vector<std::string_view> kinds;
+    std::vector<std::int32_t> listed;
+};
+const RowFacts& facts(const Row& row) {
+    // Rows are few and live as long as the program; planted test rows too.
+    static std::deque<std::pair<const Row*, RowFacts>> cache;  // references stay valid
+    for (const auto& [r, f] : cache)
+        if (r == &row) return f;
+    cache.emplace_back(&row, RowFacts{tool::split_kinds(row.args), listed_numbers(row.errors)});
+    return cache.back().second;
+}
+
 // Every number some row lists.
 const std::vector<std::int32_t>& every_number() {
     static const std::vector<std::int32_t> all = [] {
@@ -170,11 +184,14 @@ bool is_operator(std::string_view name) {
 // it calls.
 bool own_number(const Row& row, std::int32_t number) {
     if (is_operator(row.name)) return true;
-    for (const Row& r : exports::rows())
-        if (is_operator(r.name))
-            for (std::int32_t n : listed_numbers(r.errors))
-                if (n == number) return false;
-    return true;
+    static const std::vector<std::int32_t> operators = [] {
+        std::vector<std::int32_t> v;
+        for (const Row& r : exports::rows())
+            if (is_operator(r.name))
+                for (std::int32_t n : listed_numbers(r.errors)) v.push_back(n);
+        return v;
+    }();
+    return std::find(operators.begin(), operators.end(), number) == operators.end();
 }
 
 // ---- one call ---------------------------------------------------------------
@@ -182,8 +199,8 @@ bool own_number(const Row& row, std::int32_t number) {
 // What the handler sees and does during one call.
 struct Session {
     const Case* c = nullptr;
-    std::vector<std::string_view> kinds;
-    std::vector<std::int32_t> listed;
+    std::span<const std::string_view> kinds;
+    std::span<const std::int32_t> listed;
     std::vector<std::string>* findings = nullptr;
     std::size_t stream_at = 0;
 
@@ -194,7 +211,7 @@ struct Session {
     int retries = 0;
     bool capped = false;
     bool saw_argument_report = false;  // a full- or direct-form report
-    std::set<std::int32_t> short_seen;
+    std::vector<std::int32_t> short_seen;
 
     // The operands the handler last corrected before a retry, as arguments.
     Value final_args[kMaxArguments] = {};
@@ -228,7 +245,8 @@ void check_record(Session& s, const jwe_control_area& a, void* record, std::int3
     // own; a correction can take an inner operator where the export's own
     // tests never let it go (jwe_gddq's divisor corrected to zero reaches
     // g_aqdq's 280), and then any number of the library may follow.
-    const std::vector<std::int32_t>& allowed = s.corrections_made ? every_number() : s.listed;
+    const std::span<const std::int32_t> allowed =
+        s.corrections_made ? std::span<const std::int32_t>(every_number()) : s.listed;
     if (std::find(allowed.begin(), allowed.end(), number) == allowed.end())
         s.find("reported " + describe_number(number) + ", which " +
                (s.corrections_made ? "no row lists" : "the row does not list"));
@@ -240,7 +258,9 @@ void check_record(Session& s, const jwe_control_area& a, void* record, std::int3
         s.find(describe_number(number) + ": the fields 720..744 are not cleared");
 
     if (form == ReportForm::short_form) {
-        if (!s.short_seen.insert(number).second) s.find(describe_number(number) + " reported twice in one call");
+        if (std::find(s.short_seen.begin(), s.short_seen.end(), number) != s.short_seen.end())
+            s.find(describe_number(number) + " reported twice in one call");
+        s.short_seen.push_back(number);
         return;
     }
     s.saw_argument_report = true;
@@ -388,7 +408,7 @@ Case Harness::decode(std::span<const std::uint8_t> in) const {
     c.mode = byte();
     for (auto& s : c.script) s = byte();
     if (c.row) {
-        const auto kinds = tool::split_kinds(c.row->args);
+        const auto& kinds = facts(*c.row).kinds;
         for (std::size_t k = 0; k < kinds.size(); ++k)
             for (std::size_t i = 0; i < operand_width(kinds[k]); ++i) c.args[k].bytes[i] = byte();
     }
@@ -403,7 +423,7 @@ std::vector<std::uint8_t> Harness::encode(const Case& c) {
     for (char ch : c.row->name) out.push_back(static_cast<std::uint8_t>(ch));
     for (std::uint8_t b : {c.suppress, c.ieee, c.enabled, c.mode}) out.push_back(b);
     out.insert(out.end(), c.script.begin(), c.script.end());
-    const auto kinds = tool::split_kinds(c.row->args);
+    const auto& kinds = facts(*c.row).kinds;
     for (std::size_t k = 0; k < kinds.size(); ++k)
         out.insert(out.end(), c.args[k].bytes, c.args[k].bytes + operand_width(kinds[k]));
     out.insert(out.end(), c.stream.begin(), c.stream.end());
@@ -437,8 +457,8 @@ Outcome call(const Case& c, int alias, Stats& stats, std::vector<std::string>& f
     const Row& row = *c.row;
     Session s;
     s.c = &c;
-    s.kinds = tool::split_kinds(row.args);
-    s.listed = listed_numbers(row.errors);
+    s.kinds = facts(row).kinds;
+    s.listed = facts(row).listed;
     s.findings = &findings;
     std::copy(std::begin(c.args), std::end(c.args), std::begin(s.final_args));
 
@@ -601,7 +621,7 @@ std::vector<std::string> Harness::run(const Case& c) {
 
     // The result area on an operand of the result's kind.
     if (c.mode & Mode::aliased) {
-        const auto kinds = tool::split_kinds(row.args);
+        const auto& kinds = facts(row).kinds;
         for (std::size_t k = 0; k < kinds.size(); ++k) {
             if (!through_pointer(row.result) || kinds[k] != row.result) continue;
             const Outcome o = call(c, static_cast<int>(k), stats_, findings);

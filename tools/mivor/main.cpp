@@ -78,7 +78,7 @@ int list() {
 // ---- call -------------------------------------------------------------
 
 // One clear line and the usage status.
-[[gnu::format(printf, 1, 2)]] int refuse(const char* format, ...) {
+[[gnu::format(gnu_printf, 1, 2)]] int refuse(const char* format, ...) {
     std::fputs("mivor: ", stderr);
     va_list args;
     va_start(args, format);
