@@ -82,6 +82,15 @@ void full_form_unguarded(const Value* a, Value& r) {
         a[0].r8);
 }
 
+// An elementary function's report skipped, as only the full form may.
+void direct_form_guarded(const Value* a, Value& r) {
+    if (jwe_lca.handler_enabled != 1) {
+        r.r8 = a[0].r8 > 700.0 ? 1.0 / 0.0 : 2.0 * a[0].r8;
+        return;
+    }
+    r.r8 = twice(a[0].r8);
+}
+
 // A byte of the core run-time's own area changed.
 void touches_core(const Value* a, Value& r) {
     jwe_lca.reserved_0[7] ^= 1;
@@ -119,6 +128,7 @@ const Row kRemembers{"p_remembers", "r8", "r8", "test", "-", "-", &remembers};
 const Row kUnlisted{"p_unlisted", "r8", "r8", "test", "245", "-", &honest};
 const Row kRetriesStale{"p_stale", "r8", "r8", "test", "230", "-", &retries_stale};
 const Row kFullUnguarded{"p_unguarded", "r8", "r8", "test", "264", "-", &full_form_unguarded};
+const Row kDirectGuarded{"p_guarded", "r8", "r8", "test", "230", "-", &direct_form_guarded};
 const Row kTouchesCore{"p_core", "r8", "r8", "test", "230", "-", &touches_core};
 const Row kShortDescriptors{"p_short", "r8", "r8", "test", "1393", "-", &short_with_descriptors};
 const Row kOverreads{"p_overreads", "r4", "r4", "test", "-", "-", &overreads};
@@ -191,6 +201,11 @@ TEST(Harness, CatchesReportsOutsideTheProtocol) {
     Case closed = make(kFullUnguarded, 0.0);
     closed.enabled = 0;
     EXPECT_NE(joined(run(closed)).find("handler was called for error 264 (full form) with 1250 = 0"), std::string::npos);
+
+    Case disabled = make(kDirectGuarded, 710.0);
+    disabled.enabled = 0;
+    EXPECT_NE(joined(run(disabled)).find("with 1250 = 0 and 588 = 0: 0x7FF0000000000000 (inf) []; with them open"),
+              std::string::npos);
 
     EXPECT_NE(joined(run(make(kTouchesCore, 710.0))).find("reserved byte 7"), std::string::npos);
     EXPECT_NE(joined(run(make(kShortDescriptors, 0.0))).find("short form) wrote operand_count"), std::string::npos);

@@ -604,6 +604,23 @@ std::vector<std::string> Harness::run(const Case& c) {
                            ": " + show_result(row, first.result) + " " + show_numbers(first.numbers) + ", then " +
                            show_result(row, second.result) + " " + show_numbers(second.numbers));
 
+    // The direct and short forms test no flag: with 1250 or 588 closed, a
+    // call whose twin with open flags reports only in those forms makes
+    // the same reports to the same end.
+    if (!flags_open && !(c.mode & Mode::no_handler)) {
+        Case open = c;
+        open.enabled = 1;
+        open.suppress = 0;
+        const Outcome o = call(open, -1, stats_, findings);
+        bool full = false;
+        for (std::int32_t n : o.numbers) full = full || tool::report_form(n) == ReportForm::full;
+        if (!full && !o.capped && (differs(o) || o.numbers != first.numbers))
+            findings.push_back("with 1250 = " + std::to_string(c.enabled) + " and 588 = " + std::to_string(c.suppress) +
+                               ": " + show_result(row, first.result) + " " + show_numbers(first.numbers) +
+                               "; with them open, direct and short reports only: " + show_result(row, o.result) + " " +
+                               show_numbers(o.numbers));
+    }
+
     // A fresh call with the operands the handler left, declining every
     // report: a retry runs the whole operation again on the corrections.
     if (!first.capped && !first.unmappable && !(c.mode & Mode::no_handler) && !first.numbers.empty()) {

@@ -55,7 +55,10 @@
 //     same reports (with byte 589 flipped where no report could have read
 //     it); a fresh call with the operands the handler last corrected and a
 //     handler that only declines gives the same result; with the result
-//     area on an operand the result is the same.
+//     area on an operand the result is the same;
+//   - the direct and short forms test no flag: with 1250 or 588 closed, a
+//     call whose twin with open flags reports in those forms only makes the
+//     same reports to the same result.
 #pragma once
 
 #include <array>
