@@ -239,6 +239,9 @@ int main(int argc, char** argv) {
     std::vector<std::string> problems;
     if (!write_seeds.empty() || !write_dict.empty()) {
         if (!write_dict.empty()) {
+            const fs::path parent = fs::path(write_dict).parent_path();
+            std::error_code ec;
+            if (!parent.empty()) fs::create_directories(parent, ec);
             std::ofstream out(write_dict);
             for (const std::string& t : dictionary(rows)) out << t << "\n";
             if (!out) {
