@@ -12,6 +12,10 @@
 //     --hex HEX         run one input given in hex (as a finding prints it)
 //     --write-seeds DIR write the edge seeds as files and stop
 //     --write-dict FILE write libFuzzer's dictionary and stop
+//     --canonicalise DIR  rewrite each input in DIR with the name of the
+//                       export it calls (a name that is no export picks one
+//                       by its hash, which changes as rows are implemented),
+//                       as <export>-<hash of the input>, and stop
 //     --report-cases F  the directed report cases (default: the tree's)
 //
 // Exit status: 0 when every check held, 1 at the first finding (printed
@@ -127,7 +131,8 @@ bool parse_count(const char* text, std::uint64_t& out) {
 int usage() {
     std::fprintf(stderr,
                  "usage: fuzz_driver [--seeds] [--random N] [--calls N] [--seconds S] [--seed S] [--hex HEX]\n"
-                 "                   [--report-cases FILE] [--write-seeds DIR] [--write-dict FILE] [PATH...]\n");
+                 "                   [--report-cases FILE] [--write-seeds DIR] [--write-dict FILE]\n"
+                 "                   [--canonicalise DIR] [PATH...]\n");
     return 2;
 }
 
@@ -173,7 +178,7 @@ bool read_file(const fs::path& p, std::vector<std::uint8_t>& out) {
 int main(int argc, char** argv) {
     bool seeds = false;
     std::uint64_t random_per_export = 0, calls = 0, seconds = 0, seed = 1;
-    std::string write_seeds, write_dict, report_cases = MIVOR_REPORT_CASES;
+    std::string write_seeds, write_dict, canonicalise, report_cases = MIVOR_REPORT_CASES;
     std::vector<std::string> paths, hexes;
     for (int i = 1; i < argc; ++i) {
         const std::string_view a = argv[i];
@@ -205,6 +210,7 @@ int main(int argc, char** argv) {
         else if (a == "--write-seeds") { if (!text(write_seeds)) return 2; }
         else if (a == "--write-dict") { if (!text(write_dict)) return 2; }
         else if (a == "--report-cases") { if (!text(report_cases)) return 2; }
+        else if (a == "--canonicalise") { if (!text(canonicalise)) return 2; }
         else if (a.starts_with("-")) return usage();
         else paths.emplace_back(a);
     }
@@ -235,6 +241,29 @@ int main(int argc, char** argv) {
     std::printf("\n");
     std::fflush(stdout);
     if (rows.empty()) return 1;
+
+    if (!canonicalise.empty()) {
+        std::vector<fs::path> files;
+        std::error_code ec;
+        for (const auto& e : fs::directory_iterator(canonicalise, ec))
+            if (e.is_regular_file()) files.push_back(e.path());
+        for (const fs::path& f : files) {
+            std::vector<std::uint8_t> bytes;
+            if (!read_file(f, bytes)) return 2;
+            const Case c = runner.harness.decode(bytes);
+            const std::vector<std::uint8_t> canonical = Harness::encode(c);
+            std::uint64_t h = 0xCBF29CE484222325u;
+            for (std::uint8_t b : canonical) h = (h ^ b) * 0x100000001B3u;
+            char name[96];
+            std::snprintf(name, sizeof name, "%.*s-%016" PRIx64, static_cast<int>(c.row->name.size()),
+                          c.row->name.data(), h);
+            fs::remove(f);
+            std::ofstream out(fs::path(canonicalise) / name, std::ios::binary);
+            out.write(reinterpret_cast<const char*>(canonical.data()), static_cast<std::streamsize>(canonical.size()));
+        }
+        std::printf("fuzz: %zu inputs rewritten in %s\n", files.size(), canonicalise.c_str());
+        return 0;
+    }
 
     std::vector<std::string> problems;
     if (!write_seeds.empty() || !write_dict.empty()) {
