@@ -20,7 +20,7 @@ PACKAGES=(
   g++-mingw-w64-i686 binutils-mingw-w64-i686
   googletest libgtest-dev libbenchmark-dev
   libmpfr-dev libgmp-dev sollya
-  gfortran libopenblas-dev
+  gfortran lib32gfortran-12-dev gfortran-mingw-w64-i686 libopenblas-dev
   clang libclang-rt-14-dev
 )
 

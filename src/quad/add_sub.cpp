@@ -31,6 +31,7 @@
 // are asked for, else +HUGE whatever the sign.
 #include "mivor/mivor.h"
 #include "quad/fallbacks.h"
+#include "quad/operators.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -321,6 +322,7 @@ inline Real16* add_or_subtract_halves(Real16* result, const Real16* a, const Rea
     return result;
 }
 
+
 #if !defined(__x86_64__)
 template <std::uint64_t Flip>
 [[gnu::noinline]] Real16* general(Real16* result, const Real16* a, const Real16* b) {
@@ -356,6 +358,20 @@ inline Real16* add_or_subtract(Real16* result, const Real16* a, const Real16* b)
 }
 
 }  // namespace
+
+#if defined(__x86_64__)
+Halves add(Halves x, Halves y) {
+    Halves r;
+    if (attempt(x, y, 0, &r) != Status::ok) [[unlikely]] r = recover(x, y, 0);
+    return r;
+}
+Halves subtract(Halves x, Halves y) {
+    Halves r;
+    if (attempt(x, y, detail::kSign64, &r) != Status::ok) [[unlikely]] r = recover(x, y, detail::kSign64);
+    return r;
+}
+#endif
+
 }  // namespace mivor::quad
 
 extern "C" mivor_real16* g_aqaq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
