@@ -11,6 +11,8 @@
 #include "frame/report.h"
 #include "harness.h"
 #include "mivor/control_area.h"
+#include "mivor/descriptor.h"
+#include "mivor/mivor.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define PLANTED_ASAN 1
@@ -121,6 +123,37 @@ void loops(const Value* a, Value& r) {
         [](double) -> report::Step<double, double> { return report::fail(Error::exp_overflow_r8, 1.0, 1.0); }, a[0].r8);
 }
 
+// MATMUL that stores one element past the result (the slot after the
+// last element it may write; with an empty result, the first).
+void matmul_one_past(const Value* a, Value&) {
+    g_matmld(a);
+    const mivor_descriptor* r = reinterpret_cast<const mivor_matmul_args*>(a)->result;
+    if (*r->stride1 == 0) return;  // reported: nothing was written
+    const std::int64_t count = std::int64_t{*r->extent1} * (*r->stride2 != 0x5A5A5A5A ? *r->extent2 : 1);
+    static_cast<double*>(r->base)[count] = 0.0;
+}
+
+// GEMM that takes C as contiguous, its leading dimension ignored.
+void gemm_ignores_ldc(const Value* a, Value&) {
+    mivor_gemm_args block;
+    std::memcpy(&block, a, sizeof block);
+    const std::int32_t rows = *block.c->extent1 > 1 ? *block.c->extent1 : 1;
+    block.ldc = &rows;
+    g_mt22blasd(&block);
+}
+
+// GEMV that scales x in place as a scratch vector, then puts it back
+// (a race for a concurrent caller, and a write into an operand).
+void gemv_scratches_x(const Value* a, Value&) {
+    const auto* block = reinterpret_cast<const mivor_gemv_args*>(a);
+    auto* x = static_cast<double*>(block->x->base);
+    const double saved = x[0];
+    x[0] = 0.5;
+    g_mt21blasd(a);
+    if (*block->x->extent1 == 0) return;
+    x[0] = saved + 1.0;
+}
+
 const Row kHonest{"p_honest", "r8", "r8", "test", "230", "-", &honest};
 const Row kOverruns{"p_overruns", "r16", "r16", "test", "-", "-", &overruns};
 const Row kWritesOperand{"p_writes", "r8", "r8", "test", "-", "-", &writes_operand};
@@ -133,6 +166,11 @@ const Row kTouchesCore{"p_core", "r8", "r8", "test", "230", "-", &touches_core};
 const Row kShortDescriptors{"p_short", "r8", "r8", "test", "1393", "-", &short_with_descriptors};
 const Row kOverreads{"p_overreads", "r4", "r4", "test", "-", "-", &overreads};
 const Row kLoops{"p_loops", "r8", "r8", "test", "230", "-", &loops};
+// The matrix rows keep their names: the harness builds their argument
+// blocks by name.
+const Row kMatmulOnePast{"g_matmld", "void", "argblk", "test", "1375", "-", &matmul_one_past};
+const Row kGemmIgnoresLdc{"g_mt22blasd", "void", "argblk", "test", "1375", "-", &gemm_ignores_ldc};
+const Row kGemvScratchesX{"g_mt21blasd", "void", "argblk", "test", "1375", "-", &gemv_scratches_x};
 
 Case make(const Row& row, double x) {
     Case c;
@@ -212,6 +250,55 @@ TEST(Harness, CatchesReportsOutsideTheProtocol) {
     EXPECT_DEATH(run(make(kLoops, 1.0)), "keeps reporting");
 }
 
+const Row* real_row(std::string_view name) {
+    for (const Row& row : mivor::exports::rows())
+        if (row.name == name) return &row;
+    return nullptr;
+}
+
+// The first findings over `seeds` seeds of a matrix row, with random
+// handler scripts and flags, and how many inputs reported.
+struct MatrixRun {
+    std::string findings;
+    std::uint64_t reports = 0;
+};
+MatrixRun run_matrix(const Row& row, int seeds) {
+    Harness h({&row});
+    MatrixRun out;
+    for (int i = 0; i < seeds && out.findings.empty(); ++i) {
+        Case c;
+        c.row = &row;
+        c.args[0].i8 = 0x51ED270B27u * static_cast<std::uint64_t>(i + 1);
+        c.ieee = i & 1;
+        c.enabled = i % 7 == 3 ? 0 : 1;
+        c.script = {static_cast<std::uint8_t>(i % 3), 1, static_cast<std::uint8_t>(i % 5), 0};
+        out.findings = joined(h.run(c));
+    }
+    out.reports = h.stats().reports;
+    return out;
+}
+
+TEST(Harness, MatrixExportsPassWithHostileBlocks) {
+    for (const char* name : {"g_matmld", "g_matmlq", "g_matmlz", "g_mt22blasd", "g_mt21blasd"}) {
+        const Row* row = real_row(name);
+        ASSERT_NE(row, nullptr) << name;
+        const MatrixRun r = run_matrix(*row, 300);
+        EXPECT_EQ(r.findings, "") << name;
+        // Non-conforming operands come up, and for REAL(16) products the
+        // overflows too: the reports are reached, not just the products.
+        EXPECT_GT(r.reports, 10u) << name;
+    }
+}
+
+TEST(Harness, CatchesMatrixWritesOutsideTheResultsElements) {
+    EXPECT_NE(run_matrix(kMatmulOnePast, 50).findings.find("wrote result (byte"), std::string::npos);
+    const std::string gemm = run_matrix(kGemmIgnoresLdc, 200).findings;
+    EXPECT_NE(gemm.find("wrote C (byte"), std::string::npos) << gemm;
+    EXPECT_NE(gemm.find("outside the result's elements"), std::string::npos) << gemm;
+    const std::string gemv = run_matrix(kGemvScratchesX, 200).findings;
+    EXPECT_NE(gemv.find("wrote x (byte 0 of"), std::string::npos) << gemv;
+}
+
 TEST(Harness, InputsRoundTripAndUnknownNamesStillCallSomething) {
     Harness h({&kHonest, &kRemembers});
     Case c = make(kHonest, 2.5);
@@ -228,6 +315,16 @@ TEST(Harness, InputsRoundTripAndUnknownNamesStillCallSomething) {
     EXPECT_EQ(back.script, c.script);
     EXPECT_EQ(back.stream, c.stream);
     EXPECT_EQ(Harness::encode(back), bytes);
+
+    // A matrix row's argument is the 8-byte seed of its block.
+    Case m;
+    m.row = real_row("g_matmlx");
+    m.args[0].i8 = 0x0123456789ABCDEF;
+    m.stream = {1, 2};
+    Harness hm({m.row});
+    const Case m_back = hm.decode(Harness::encode(m));
+    EXPECT_EQ(m_back.args[0].i8, m.args[0].i8);
+    EXPECT_EQ(m_back.stream, m.stream);
 
     const std::uint8_t garbage[] = {3, 'x', 'y', 'z'};
     EXPECT_NE(h.decode(garbage).row, nullptr);

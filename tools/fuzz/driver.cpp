@@ -9,6 +9,8 @@
 //     --calls N         random inputs until N calls of exports were made
 //     --seconds S       stop the random inputs after S seconds
 //     --seed S          of the random inputs (default 1)
+//     --only NAME,...   drive these exports only (inputs that name another
+//                       pick one of these by the name's hash)
 //     --hex HEX         run one input given in hex (as a finding prints it)
 //     --write-seeds DIR write the edge seeds as files and stop
 //     --write-dict FILE write libFuzzer's dictionary and stop
@@ -130,7 +132,8 @@ bool parse_count(const char* text, std::uint64_t& out) {
 
 int usage() {
     std::fprintf(stderr,
-                 "usage: fuzz_driver [--seeds] [--random N] [--calls N] [--seconds S] [--seed S] [--hex HEX]\n"
+                 "usage: fuzz_driver [--seeds] [--random N] [--calls N] [--seconds S] [--seed S] [--only NAME,...]\n"
+                 "                   [--hex HEX]"
                  "                   [--report-cases FILE] [--write-seeds DIR] [--write-dict FILE]\n"
                  "                   [--canonicalise DIR] [PATH...]\n");
     return 2;
@@ -178,7 +181,7 @@ bool read_file(const fs::path& p, std::vector<std::uint8_t>& out) {
 int main(int argc, char** argv) {
     bool seeds = false;
     std::uint64_t random_per_export = 0, calls = 0, seconds = 0, seed = 1;
-    std::string write_seeds, write_dict, canonicalise, report_cases = MIVOR_REPORT_CASES;
+    std::string write_seeds, write_dict, canonicalise, only, report_cases = MIVOR_REPORT_CASES;
     std::vector<std::string> paths, hexes;
     for (int i = 1; i < argc; ++i) {
         const std::string_view a = argv[i];
@@ -210,6 +213,7 @@ int main(int argc, char** argv) {
         else if (a == "--write-seeds") { if (!text(write_seeds)) return 2; }
         else if (a == "--write-dict") { if (!text(write_dict)) return 2; }
         else if (a == "--report-cases") { if (!text(report_cases)) return 2; }
+        else if (a == "--only") { if (!text(only)) return 2; }
         else if (a == "--canonicalise") { if (!text(canonicalise)) return 2; }
         else if (a.starts_with("-")) return usage();
         else paths.emplace_back(a);
@@ -231,6 +235,23 @@ int main(int argc, char** argv) {
 #endif
 
     Runner runner;
+    if (!only.empty()) {
+        std::vector<const Row*> chosen;
+        for (std::size_t start = 0; start <= only.size();) {
+            const std::size_t end = std::min(only.find(',', start), only.size());
+            const std::string_view name = std::string_view(only).substr(start, end - start);
+            const auto& all = runner.harness.rows();
+            const auto it = std::find_if(all.begin(), all.end(), [&](const Row* r) { return r->name == name; });
+            if (it == all.end()) {
+                std::fprintf(stderr, "fuzz_driver: --only: %.*s is no export the harness drives\n",
+                             static_cast<int>(name.size()), name.data());
+                return 2;
+            }
+            chosen.push_back(*it);
+            start = end + 1;
+        }
+        runner.harness = Harness(std::move(chosen));
+    }
     const auto& rows = runner.harness.rows();
     std::printf("fuzz: %zu exports", rows.size());
     if (!runner.harness.skipped().empty()) {

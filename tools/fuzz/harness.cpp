@@ -8,6 +8,7 @@
 #include <deque>
 
 #include "mivor/control_area.h"
+#include "mivor/matrix_cases.h"
 #include "mivori.h"
 #include "mivor/record.h"
 #include "mivor/values.h"
@@ -102,6 +103,8 @@ long changed_outside(const jwe_control_area& before, const jwe_control_area& now
     return -1;
 }
 
+constexpr unsigned char kGuardByte = 0xCB;
+
 // ---- memory poisoning ----------------------------------------------------
 
 void poison(void* p, std::size_t n) {
@@ -153,13 +156,16 @@ std::vector<std::int32_t> listed_numbers(std::string_view errors) {
 struct RowFacts {
     std::vector<std::string_view> kinds;
     std::vector<std::int32_t> listed;
+    bool matrix = false;  // one argument block, built from an 8-byte seed
 };
 const RowFacts& facts(const Row& row) {
     // Rows are few and live as long as the program; planted test rows too.
     static std::deque<std::pair<const Row*, RowFacts>> cache;  // references stay valid
     for (const auto& [r, f] : cache)
         if (r == &row) return f;
-    cache.emplace_back(&row, RowFacts{tool::split_kinds(row.args), listed_numbers(row.errors)});
+    RowFacts f{tool::split_kinds(row.args), listed_numbers(row.errors)};
+    f.matrix = f.kinds.size() == 1 && f.kinds[0] == "argblk";
+    cache.emplace_back(&row, std::move(f));
     return cache.back().second;
 }
 
@@ -369,12 +375,14 @@ void hostile_handler(void* record) {
 
 std::size_t operand_width(std::string_view kind) {
     if (kind == "anyreal") return 16;
+    if (kind == "argblk") return 8;  // the seed of the case's generator
     return tool::significant_size(tool::value_kind(kind));
 }
 
 std::string unsupported(const Row& row) {
     for (std::string_view k : tool::split_kinds(row.args)) {
-        if (k == "argblk" || k == "desc") return "argument blocks and descriptors have no generator yet";
+        if (k == "desc") return "a descriptor outside an argument block has no generator";
+        if (k == "argblk" && !tool::is_matrix_export(row.name)) return "an argument block of unknown layout";
         if (k != "anyreal" && operand_width(k) == 0) return "argument kind " + std::string(k);
     }
     if (tool::split_kinds(row.args).size() > kMaxArguments) return "too many arguments";
@@ -448,7 +456,93 @@ struct Guarded {
     Value value;
     unsigned char after[16];
 };
-constexpr unsigned char kGuard = 0xCB;
+
+// ---- the matrix exports' arena ------------------------------------------------
+//
+// A matrix export's argument is an 8-byte seed from which the shared
+// generator builds a hostile argument block in this arena, with kGapBytes
+// of guard pattern after every allocation.  After the call every byte of
+// the data part but the result's elements and cells (as the descriptors
+// name them) must hold what it held before, the descriptors and the block
+// too; under ASan everything but the allocations is poisoned as well, so
+// a read outside the operands is a finding.  The outcome is a digest of
+// the data part, which holds no address.
+constexpr std::size_t kArenaData = std::size_t{1} << 18, kArenaPointers = 2048, kGapBytes = 32;
+// How far past the case's last allocation stray writes are looked for.
+constexpr std::size_t kTailChecked = 4096;
+
+struct MatrixArena {
+    alignas(64) unsigned char data[kArenaData];
+    alignas(64) unsigned char pointers[kArenaPointers];
+    std::size_t dirty = 0;  // bytes of `data` that may differ from the guard
+};
+MatrixArena& arena() {
+    static MatrixArena* a = [] {
+        auto* p = new MatrixArena;
+        std::memset(p->data, kGuardByte, sizeof p->data);
+        return p;
+    }();
+    return *a;
+}
+
+std::string where_in(const tool::MatrixLayout& layout, std::size_t at) {
+    const tool::MatrixArea* before = nullptr;
+    for (const tool::MatrixArea& a : layout.areas) {
+        if (at >= a.begin && at < a.end)
+            return std::string(a.what) + " (byte " + std::to_string(at - a.begin) + " of " + std::to_string(a.end - a.begin) + ")";
+        if (a.end <= at && (!before || a.end > before->end)) before = &a;
+    }
+    return before ? "the guard bytes " + std::to_string(at - before->end) + " after " + before->what
+                  : "the guard bytes before every allocation";
+}
+
+struct MatrixCheck {
+    tool::MatrixLayout layout;
+    std::vector<unsigned char> data_before, pointers_before, block;
+    std::size_t checked = 0;
+};
+
+// Builds the case in the arena; false (with a finding) when it cannot.
+bool prepare_matrix(const Row& row, const Value& seed, Value* args, MatrixCheck& m, std::vector<std::string>& findings) {
+    MatrixArena& a = arena();
+    std::memset(a.data, kGuardByte, a.dirty);
+    std::uint64_t state;
+    std::memcpy(&state, seed.bytes, sizeof state);
+    const tool::MatrixArena parts{a.data, kArenaData, a.pointers, kArenaPointers};
+    if (!tool::build_hostile_matrix_case(row, state, args, kMaxArguments, parts, kGapBytes, m.layout)) {
+        findings.push_back("no argument block could be built");
+        return false;
+    }
+    m.checked = std::min(kArenaData, m.layout.data_used + kTailChecked);
+    a.dirty = std::max(a.dirty, m.checked);
+    m.data_before.assign(a.data, a.data + m.checked);
+    m.pointers_before.assign(a.pointers, a.pointers + kArenaPointers);
+    const auto* b = reinterpret_cast<const unsigned char*>(args);
+    m.block.assign(b, b + m.layout.block_size);
+    poison(a.data, kArenaData);
+    for (const tool::MatrixArea& area : m.layout.areas) unpoison(a.data + area.begin, area.end - area.begin);
+    return true;
+}
+
+// The checks after the call; the digest of the data part goes to `result`.
+void check_matrix(const MatrixCheck& m, const Value* args, unsigned char* result, std::vector<std::string>& findings) {
+    MatrixArena& a = arena();
+    unpoison(a.data, kArenaData);
+    std::vector<bool> may(m.checked, false);
+    for (const tool::MatrixArea& w : m.layout.writable)
+        for (std::size_t i = w.begin; i < w.end && i < m.checked; ++i) may[i] = true;
+    for (std::size_t i = 0; i < m.checked; ++i)
+        if (a.data[i] != m.data_before[i] && !may[i]) {
+            findings.push_back("wrote " + where_in(m.layout, i) + ", outside the result's elements");
+            break;
+        }
+    if (std::memcmp(a.pointers, m.pointers_before.data(), kArenaPointers) != 0)
+        findings.push_back("a descriptor or a cell address was written");
+    if (std::memcmp(args, m.block.data(), m.block.size()) != 0) findings.push_back("the argument block was written");
+    const std::uint64_t digest =
+        fnv1a(std::string_view(reinterpret_cast<const char*>(a.data), m.layout.data_used));
+    std::memcpy(result, &digest, sizeof digest);
+}
 
 // One call of the case's export under the case's flags and handler, with
 // the checks that need no second call.  `alias` is the argument that also
@@ -487,13 +581,24 @@ Outcome call(const Case& c, int alias, Stats& stats, std::vector<std::string>& f
     Value args[kMaxArguments];
     std::copy(std::begin(c.args), std::end(c.args), std::begin(args));
     Guarded guarded;
-    std::memset(&guarded, kGuard, sizeof guarded);
-    const std::size_t result_size = tool::significant_size(row.result);
+    std::memset(&guarded, kGuardByte, sizeof guarded);
+    const bool matrix = facts(row).matrix;
+    const std::size_t result_size = matrix ? sizeof(std::uint64_t) : tool::significant_size(row.result);
     const bool pointer_result = through_pointer(row.result);
 
-    for (std::size_t k = 0; k < s.kinds.size(); ++k) {
-        const std::size_t w = readable_width(s.kinds, args, k);
-        poison(args[k].bytes + w, sizeof(Value) - w);
+    MatrixCheck m;
+    if (matrix) {
+        if (!prepare_matrix(row, c.args[0], args, m, findings)) {
+            std::memcpy(&jwe_lca, &saved, sizeof saved);
+            return Outcome{};
+        }
+        auto* slots = reinterpret_cast<unsigned char*>(args);
+        poison(slots + m.layout.block_size, sizeof args - m.layout.block_size);
+    } else {
+        for (std::size_t k = 0; k < s.kinds.size(); ++k) {
+            const std::size_t w = readable_width(s.kinds, args, k);
+            poison(args[k].bytes + w, sizeof(Value) - w);
+        }
     }
     if (pointer_result && alias < 0) poison(guarded.value.bytes + result_size, sizeof(Value) - result_size);
 
@@ -508,7 +613,8 @@ Outcome call(const Case& c, int alias, Stats& stats, std::vector<std::string>& f
 
     Outcome o;
     o.size = result_size;
-    std::memcpy(o.result, alias >= 0 ? args[alias].bytes : guarded.value.bytes, result_size);
+    if (matrix) check_matrix(m, args, o.result, findings);
+    else std::memcpy(o.result, alias >= 0 ? args[alias].bytes : guarded.value.bytes, result_size);
     o.numbers = s.numbers;
     o.capped = s.capped;
     o.saw_argument_report = s.saw_argument_report;
@@ -517,7 +623,7 @@ Outcome call(const Case& c, int alias, Stats& stats, std::vector<std::string>& f
     std::copy(std::begin(s.final_args), std::end(s.final_args), std::begin(o.final_args));
 
     for (std::size_t k = 0; k < s.kinds.size(); ++k) {
-        if (!by_address(s.kinds[k]) || static_cast<int>(k) == alias) continue;
+        if (!by_address(s.kinds[k]) || static_cast<int>(k) == alias || matrix) continue;
         const std::size_t w = operand_width(s.kinds[k]);
         if (std::memcmp(args[k].bytes, c.args[k].bytes, w) != 0)
             findings.push_back("argument " + std::to_string(k + 1) + " was written: " + hex(c.args[k].bytes, w) +
@@ -525,7 +631,7 @@ Outcome call(const Case& c, int alias, Stats& stats, std::vector<std::string>& f
     }
     auto intact = [](const unsigned char* p, std::size_t n) {
         for (std::size_t i = 0; i < n; ++i)
-            if (p[i] != kGuard) return false;
+            if (p[i] != kGuardByte) return false;
         return true;
     };
     if (alias < 0) {
@@ -565,6 +671,7 @@ Outcome call(const Case& c, int alias, Stats& stats, std::vector<std::string>& f
 }
 
 std::string show_result(const Row& row, const unsigned char* bytes) {
+    if (facts(row).matrix) return "arena digest " + hex(bytes, sizeof(std::uint64_t));
     Value v{};
     std::memcpy(v.bytes, bytes, tool::significant_size(row.result));
     return tool::format_value(row.result, v);

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "exports/registry.h"
-#include "golden_matmul.h"
+#include "matrix_cases.h"
 #include "mivor/control_area.h"
 #include "values.h"
 

@@ -11,14 +11,22 @@
 // descriptors (which hold addresses) in the pointer part.  The data part
 // holds no address, so its bytes after the call are the same on every
 // flavour exactly when the export computed the same bits, wrote the same
-// cells and nothing else.  The golden run digests them; a fuzzer can use
-// the same generator.
+// cells and nothing else.  The golden run digests them.
+//
+// The fuzzer draws from the same generator, more hostile still (any
+// extent, stride, rank, letter or leading dimension, as long as what the
+// descriptors name fits in the arena), and learns where everything lies:
+// the areas the case allocated (the bytes between them are left as the
+// caller filled them) and the bytes the export may write, which are the
+// result's elements and cells as the descriptors and leading dimensions
+// name them.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "exports/registry.h"
 
@@ -34,6 +42,19 @@ struct MatrixArena {
 inline constexpr std::size_t kMatrixDataBytes = 1 << 20;
 inline constexpr std::size_t kMatrixPointerBytes = 1024;
 
+// A part of the data arena, as offsets [begin, end).
+struct MatrixArea {
+    std::size_t begin, end;
+    const char* what;  // "A", "result cells", "lda", ...
+};
+
+struct MatrixLayout {
+    std::size_t block_size = 0;        // bytes of the argument block placed over the slots
+    std::size_t data_used = 0;         // bytes of the data part the case reaches
+    std::vector<MatrixArea> areas;     // everything the case allocated
+    std::vector<MatrixArea> writable;  // what the export may write
+};
+
 // Whether `name` is one of the matrix exports.
 bool is_matrix_export(std::string_view name);
 
@@ -43,5 +64,13 @@ bool is_matrix_export(std::string_view name);
 // export through row.thunk.  Returns the data part of the arena to digest.
 std::span<const unsigned char> run_matrix_case(const exports::Row& row, std::uint64_t& state, exports::Value* args,
                                                std::size_t slots, const MatrixArena& arena);
+
+// One hostile case for the fuzzer: draws it from `state`, builds it in
+// `arena` with `gap` bytes left between allocations (the caller fills the
+// data part beforehand, so that they keep its pattern), writes the block
+// over the slots and describes it in `layout`.  Does not call the export.
+// False when the slots are too few.
+bool build_hostile_matrix_case(const exports::Row& row, std::uint64_t state, exports::Value* args, std::size_t slots,
+                               const MatrixArena& arena, std::size_t gap, MatrixLayout& layout);
 
 }  // namespace mivor::tool
