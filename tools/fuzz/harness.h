@@ -27,7 +27,9 @@
 //                             0 or 3 both
 //                   bit 6     a retry word other than 1 (any nonzero value)
 //   operands      argument by argument, each its full width (anyreal 16
-//                 bytes; the type code after it is an arbitrary i4)
+//                 bytes; the type code after it is an arbitrary i4; a
+//                 matrix entry's argument block 8 bytes, the seed its
+//                 hostile block is built from, tools/fuzz/README.md)
 //   stream        bits for the corrections and scribbles, in 16-byte
 //                 chunks, cycling
 // A short input reads as if padded with zero bytes.
@@ -50,7 +52,9 @@
 //     more was written;
 //   - by-address operands are unchanged; the result area is written only
 //     within the result's width (guard bytes, and ASan poisoning beyond
-//     each operand's and the result's width where ASan is on);
+//     each operand's and the result's width where ASan is on); a matrix
+//     entry writes nothing in its arena but the result's elements and
+//     cells, and reads nothing but its allocations under ASan;
 //   - determinism: the same input again gives the same result bits and the
 //     same reports (with byte 589 flipped where no report could have read
 //     it); a fresh call with the operands the handler last corrected and a

@@ -568,14 +568,14 @@ void* hostile_gemv(Hostile& h) {
     const bool product = checked && m > 0 && n > 0;
     const std::int32_t len_x = transposes(t) ? m : n, len_y = transposes(t) ? n : m;
     const bool add_z = checked && with_z && len_y > 0;
-    auto abs = [](std::int32_t v) { return std::int64_t{v < 0 ? -std::int64_t{v} : v}; };
+    auto magnitude = [](std::int32_t v) { return std::int64_t{v < 0 ? -std::int64_t{v} : v}; };
     Span sa, sxs, sys, szs;
     if (product) {
         sa = grid(m, 1, n, lda1);
-        sxs = grid(len_x, abs(incx), 1, 0);
+        sxs = grid(len_x, magnitude(incx), 1, 0);
     }
-    if (product || add_z) sys = grid(len_y, abs(incy), 1, 0);
-    if (add_z) szs = grid(len_y, abs(incz), 1, 0);
+    if (product || add_z) sys = grid(len_y, magnitude(incy), 1, 0);
+    if (add_z) szs = grid(len_y, magnitude(incz), 1, 0);
     double* a = h.storage<double>(sa, "A");
     double* x = h.storage<double>(sxs, "x");
     double* y = h.storage<double>(sys, "y");
@@ -583,7 +583,7 @@ void* hostile_gemv(Hostile& h) {
     if (!a || !x || !y || !z) return nullptr;
     // The base is the lowest address whatever the increment's sign.
     if (product || add_z)
-        for (std::int32_t i = 0; i < len_y; ++i) h.writable(y + std::int64_t{i} * abs(incy), 8, "y");
+        for (std::int32_t i = 0; i < len_y; ++i) h.writable(y + std::int64_t{i} * magnitude(incy), 8, "y");
     const std::int32_t* lda_cell = h.cell(lda, "lda");
     const double* alpha = h.cell(h.scalar_value(), "alpha");
     const double* beta = h.cell(h.scalar_value(), "beta");
