@@ -6,6 +6,8 @@
 //     PATH              input files, or directories of them, run in turn
 //     --seeds           also run the edge seeds (report cases, special values)
 //     --random N        N random inputs per export, round robin
+//     --random-matrix N of those, N at most for each matrix entry (whose
+//                       calls cost far more; default N as --random)
 //     --calls N         random inputs until N calls of exports were made
 //     --seconds S       stop the random inputs after S seconds
 //     --seed S          of the random inputs (default 1)
@@ -41,6 +43,7 @@
 
 #include "harness.h"
 #include "inputs.h"
+#include "mivor/matrix_cases.h"
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
@@ -132,7 +135,7 @@ bool parse_count(const char* text, std::uint64_t& out) {
 
 int usage() {
     std::fprintf(stderr,
-                 "usage: fuzz_driver [--seeds] [--random N] [--calls N] [--seconds S] [--seed S] [--only NAME,...]\n"
+                 "usage: fuzz_driver [--seeds] [--random N] [--random-matrix N] [--calls N] [--seconds S] [--seed S] [--only NAME,...]\n"
                  "                   [--hex HEX]"
                  "                   [--report-cases FILE] [--write-seeds DIR] [--write-dict FILE]\n"
                  "                   [--canonicalise DIR] [PATH...]\n");
@@ -180,7 +183,7 @@ bool read_file(const fs::path& p, std::vector<std::uint8_t>& out) {
 
 int main(int argc, char** argv) {
     bool seeds = false;
-    std::uint64_t random_per_export = 0, calls = 0, seconds = 0, seed = 1;
+    std::uint64_t random_per_export = 0, random_matrix = UINT64_MAX, calls = 0, seconds = 0, seed = 1;
     std::string write_seeds, write_dict, canonicalise, only, report_cases = MIVOR_REPORT_CASES;
     std::vector<std::string> paths, hexes;
     for (int i = 1; i < argc; ++i) {
@@ -206,6 +209,7 @@ int main(int argc, char** argv) {
         std::string h;
         if (a == "--seeds") seeds = true;
         else if (a == "--random") { if (!count(random_per_export)) return 2; }
+        else if (a == "--random-matrix") { if (!count(random_matrix)) return 2; }
         else if (a == "--calls") { if (!count(calls)) return 2; }
         else if (a == "--seconds") { if (!count(seconds)) return 2; }
         else if (a == "--seed") { if (!count(seed)) return 2; }
@@ -369,8 +373,10 @@ int main(int argc, char** argv) {
             if (random_per_export && round >= random_per_export) break;
             if (!random_per_export && runner.harness.stats().calls >= calls) break;
             if (seconds && elapsed() >= static_cast<double>(seconds)) break;
-            for (const Row* row : rows)
+            for (const Row* row : rows) {
+                if (random_per_export && round >= random_matrix && mivor::tool::is_matrix_export(row->name)) continue;
                 if (!runner.run(random_case(*row, r))) return finish();
+            }
             if (elapsed() >= next_progress) {
                 std::printf("fuzz: %.0f s, %" PRIu64 " inputs, %" PRIu64 " calls\n", elapsed(),
                             runner.harness.stats().inputs, runner.harness.stats().calls);
