@@ -154,6 +154,14 @@ void gemv_scratches_x(const Value* a, Value&) {
     x[0] = saved + 1.0;
 }
 
+// GEMV that reads the element before x (x's base is its lowest element).
+void gemv_reads_before_x(const Value* a, Value&) {
+    const auto* block = reinterpret_cast<const mivor_gemv_args*>(a);
+    volatile double before = static_cast<const double*>(block->x->base)[-1];
+    (void)before;
+    g_mt21blasd(a);
+}
+
 const Row kHonest{"p_honest", "r8", "r8", "test", "230", "-", &honest};
 const Row kOverruns{"p_overruns", "r16", "r16", "test", "-", "-", &overruns};
 const Row kWritesOperand{"p_writes", "r8", "r8", "test", "-", "-", &writes_operand};
@@ -171,6 +179,7 @@ const Row kLoops{"p_loops", "r8", "r8", "test", "230", "-", &loops};
 const Row kMatmulOnePast{"g_matmld", "void", "argblk", "test", "1375", "-", &matmul_one_past};
 const Row kGemmIgnoresLdc{"g_mt22blasd", "void", "argblk", "test", "1375", "-", &gemm_ignores_ldc};
 const Row kGemvScratchesX{"g_mt21blasd", "void", "argblk", "test", "1375", "-", &gemv_scratches_x};
+const Row kGemvReadsBeforeX{"g_mt21blasd", "void", "argblk", "test", "1375", "-", &gemv_reads_before_x};
 
 Case make(const Row& row, double x) {
     Case c;
@@ -297,6 +306,10 @@ TEST(Harness, CatchesMatrixWritesOutsideTheResultsElements) {
     EXPECT_NE(gemm.find("outside the result's elements"), std::string::npos) << gemm;
     const std::string gemv = run_matrix(kGemvScratchesX, 200).findings;
     EXPECT_NE(gemv.find("wrote x (byte 0 of"), std::string::npos) << gemv;
+#if defined(PLANTED_ASAN)
+    // Everything in the arena but the allocations is poisoned.
+    EXPECT_DEATH(run_matrix(kGemvReadsBeforeX, 5), "AddressSanitizer");
+#endif
 }
 
 TEST(Harness, InputsRoundTripAndUnknownNamesStillCallSomething) {

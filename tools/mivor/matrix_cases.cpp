@@ -375,7 +375,8 @@ struct Hostile {
     std::int32_t extent(std::int32_t usual) { return on && g.one_in(6) ? g.pick(kHostileExtents) : usual; }
     std::int32_t leading(std::int32_t rows) {
         if (on && g.one_in(5)) return g.one_in(3) ? rows - 1 : g.pick(kHostileLeading);
-        return at_least_1(rows) + g.below(3);
+        const std::int64_t ld = std::int64_t{at_least_1(rows)} + g.below(3);
+        return static_cast<std::int32_t>(std::min<std::int64_t>(ld, INT32_MAX));
     }
     char trans() { return on && g.one_in(10) ? static_cast<char>(g.next()) : letter(g); }
     // A byte stride about `gap` elements of `size` bytes, with a remainder
