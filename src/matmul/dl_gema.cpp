@@ -6,6 +6,10 @@
 namespace mivor::matmul {
 
 void _jwe_gdl_gema(std::int32_t m, std::int32_t n, const double* d, std::int32_t ldd, double* c, std::int32_t ldc) {
+    // No rows: nothing to add.  Without this return a huge n (an extent of
+    // 2^30 beside an empty one) walked 2^30 empty columns, and their column
+    // addresses lay far outside C.
+    if (m <= 0) return;
     for (std::int32_t j = 0; j < n; ++j) {
         double* cj = c + static_cast<std::ptrdiff_t>(j) * ldc;
         const double* dj = d + static_cast<std::ptrdiff_t>(j) * ldd;
