@@ -135,8 +135,8 @@ bool parse_count(const char* text, std::uint64_t& out) {
 
 int usage() {
     std::fprintf(stderr,
-                 "usage: fuzz_driver [--seeds] [--random N] [--random-matrix N] [--calls N] [--seconds S] [--seed S] [--only NAME,...]\n"
-                 "                   [--hex HEX]"
+                 "usage: fuzz_driver [--seeds] [--random N] [--random-matrix N] [--calls N] [--seconds S] [--seed S]\n"
+                 "                   [--only NAME,...] [--hex HEX]\n"
                  "                   [--report-cases FILE] [--write-seeds DIR] [--write-dict FILE]\n"
                  "                   [--canonicalise DIR] [PATH...]\n");
     return 2;

@@ -9,9 +9,9 @@
 
 #include "mivor/control_area.h"
 #include "mivor/matrix_cases.h"
-#include "mivori.h"
 #include "mivor/record.h"
 #include "mivor/values.h"
+#include "mivori.h"
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
@@ -489,7 +489,8 @@ std::string where_in(const tool::MatrixLayout& layout, std::size_t at) {
     const tool::MatrixArea* before = nullptr;
     for (const tool::MatrixArea& a : layout.areas) {
         if (at >= a.begin && at < a.end)
-            return std::string(a.what) + " (byte " + std::to_string(at - a.begin) + " of " + std::to_string(a.end - a.begin) + ")";
+            return std::string(a.what) + " (byte " + std::to_string(at - a.begin) + " of " +
+                   std::to_string(a.end - a.begin) + ")";
         if (a.end <= at && (!before || a.end > before->end)) before = &a;
     }
     return before ? "the guard bytes " + std::to_string(at - before->end) + " after " + before->what
@@ -503,7 +504,8 @@ struct MatrixCheck {
 };
 
 // Builds the case in the arena; false (with a finding) when it cannot.
-bool prepare_matrix(const Row& row, const Value& seed, Value* args, MatrixCheck& m, std::vector<std::string>& findings) {
+bool prepare_matrix(const Row& row, const Value& seed, Value* args, MatrixCheck& m,
+                    std::vector<std::string>& findings) {
     MatrixArena& a = arena();
     std::memset(a.data, kGuardByte, a.dirty);
     std::uint64_t state;
@@ -539,8 +541,7 @@ void check_matrix(const MatrixCheck& m, const Value* args, unsigned char* result
     if (std::memcmp(a.pointers, m.pointers_before.data(), kArenaPointers) != 0)
         findings.push_back("a descriptor or a cell address was written");
     if (std::memcmp(args, m.block.data(), m.block.size()) != 0) findings.push_back("the argument block was written");
-    const std::uint64_t digest =
-        fnv1a(std::string_view(reinterpret_cast<const char*>(a.data), m.layout.data_used));
+    const std::uint64_t digest = fnv1a(std::string_view(reinterpret_cast<const char*>(a.data), m.layout.data_used));
     std::memcpy(result, &digest, sizeof digest);
 }
 
@@ -613,8 +614,10 @@ Outcome call(const Case& c, int alias, Stats& stats, std::vector<std::string>& f
 
     Outcome o;
     o.size = result_size;
-    if (matrix) check_matrix(m, args, o.result, findings);
-    else std::memcpy(o.result, alias >= 0 ? args[alias].bytes : guarded.value.bytes, result_size);
+    if (matrix)
+        check_matrix(m, args, o.result, findings);
+    else
+        std::memcpy(o.result, alias >= 0 ? args[alias].bytes : guarded.value.bytes, result_size);
     o.numbers = s.numbers;
     o.capped = s.capped;
     o.saw_argument_report = s.saw_argument_report;

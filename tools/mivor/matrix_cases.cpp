@@ -408,7 +408,9 @@ struct Hostile {
         return v;
     }
 
-    std::size_t offset(const void* p) const { return static_cast<std::size_t>(static_cast<const unsigned char*>(p) - data.base); }
+    std::size_t offset(const void* p) const {
+        return static_cast<std::size_t>(static_cast<const unsigned char*>(p) - data.base);
+    }
     void writable(const void* p, std::size_t bytes, const char* what) {
         if (bytes) layout.writable.push_back({offset(p), offset(p) + bytes, what});
     }
@@ -550,7 +552,9 @@ void* hostile_gemv(Hostile& h) {
     const Cells ca{8, h.extent(rows0), 0, h.extent(cols0)};
     const std::int32_t x_usual = t == 'T' ? rows0 : cols0;
     const std::int32_t x_extent = g.one_in(16) ? x_usual + 1 : h.extent(x_usual);  // now and then non-conforming
-    auto increment = [&] { return g.one_in(24) ? g.below(8) * (g.one_in(2) ? -1 : 1) : h.stride(8, g.pick({1, 1, 2, -1, -3})); };
+    auto increment = [&] {
+        return g.one_in(24) ? g.below(8) * (g.one_in(2) ? -1 : 1) : h.stride(8, g.pick({1, 1, 2, -1, -3}));
+    };
     const std::int32_t sx = increment(), sy = increment(), sz = increment();
     const bool with_z = g.one_in(3);
 
@@ -564,8 +568,8 @@ void* hostile_gemv(Hostile& h) {
     if (inner == 0) inner = 1;
     const std::int32_t lda = h.leading(m), lda1 = lda == 0 ? 1 : lda;
     const std::int32_t incx = sx / 8, incy = sy / 8, incz = sz / 8;
-    const bool checked = conform && valid_trans(t) && lda1 >= at_least_1(m) && incx != 0 && incy != 0 &&
-                         (!with_z || incz != 0);
+    const bool checked =
+        conform && valid_trans(t) && lda1 >= at_least_1(m) && incx != 0 && incy != 0 && (!with_z || incz != 0);
     const bool product = checked && m > 0 && n > 0;
     const std::int32_t len_x = transposes(t) ? m : n, len_y = transposes(t) ? n : m;
     const bool add_z = checked && with_z && len_y > 0;
