@@ -118,6 +118,12 @@ MIVOR_API float g_arxi(const float *a0, const int32_t *a1);
 MIVOR_API float g_arxj(const float *a0, const int64_t *a1);
 MIVOR_API double g_adxi(const double *a0, const int32_t *a1);
 MIVOR_API double g_adxj(const double *a0, const int64_t *a1);
+MIVOR_API float g_arxr(const float *a0, const float *a1);
+MIVOR_API double g_adxd(const double *a0, const double *a1);
+MIVOR_API float g_a2xr(const float *a0);
+MIVOR_API double g_a2xd(const double *a0);
+MIVOR_API float g_atxr(const float *a0);
+MIVOR_API double g_atxd(const double *a0);
 
 /* model */
 MIVOR_API float g_neare(const float *a0, const float *a1);

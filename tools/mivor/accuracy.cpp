@@ -56,26 +56,31 @@ constexpr Format kExtended{"ulps of a 64-bit significand", 64, -16445};
 
 // ---- statistics of one figure -----------------------------------------
 
+// The arguments of one call: x, and y for a function of two arguments.
+struct Args {
+    double x = 0.0, y = std::numeric_limits<double>::quiet_NaN();
+};
+
 struct Figure {
     double max = -1.0;
-    double max_arg = 0.0;
+    Args max_arg;
     double sum = 0.0;
     std::uint64_t count = 0;
     std::uint64_t correct = 0;
     std::uint64_t mismatches = 0;
-    double mismatch_arg = 0.0;
+    Args mismatch_arg;
 
-    void add(double err, bool correctly_rounded, double x) {
+    void add(double err, bool correctly_rounded, Args a) {
         ++count;
         sum += err;
         correct += correctly_rounded;
         if (err > max) {
             max = err;
-            max_arg = x;
+            max_arg = a;
         }
     }
-    void mismatch(double x) {
-        if (mismatches++ == 0) mismatch_arg = x;
+    void mismatch(Args a) {
+        if (mismatches++ == 0) mismatch_arg = a;
     }
     void merge(const Figure& o) {
         if (o.max > max) {
@@ -255,56 +260,70 @@ private:
 class Judge {
 public:
     Judge(const Reference& ref, const exports::Row& row) : ref_(ref), row_(row) {
-        mpfr_inits2(kWorkingPrecision, x_, y_, d_, static_cast<mpfr_ptr>(nullptr));
+        mpfr_inits2(kWorkingPrecision, x_, x2_, y_, d_, static_cast<mpfr_ptr>(nullptr));
     }
-    ~Judge() { mpfr_clears(x_, y_, d_, static_cast<mpfr_ptr>(nullptr)); }
+    ~Judge() { mpfr_clears(x_, x2_, y_, d_, static_cast<mpfr_ptr>(nullptr)); }
     Judge(const Judge&) = delete;
     Judge& operator=(const Judge&) = delete;
 
-    // Calls the export on x and sets the reference; returns the result.
-    Value call(double x) {
-        Value args[1];
+    // Calls the export on x (and y) and sets the reference; returns the
+    // result.
+    Value call(double x) { return call(Args{x}); }
+    Value call(Args a) {
+        Value args[2];
         std::memset(args, 0, sizeof args);
-        if (ref_.input == "r4") args[0].r4 = static_cast<float>(x);
-        else args[0].r8 = x;
+        if (ref_.input == "r4") {
+            args[0].r4 = static_cast<float>(a.x);
+            args[1].r4 = static_cast<float>(a.y);
+        } else {
+            args[0].r8 = a.x;
+            args[1].r8 = a.y;
+        }
         Value result;
         std::memset(&result, 0, sizeof result);
         row_.thunk(args, result);
         return result;
     }
 
-    void measure(double x, Tally& t) {
-        const Value v = call(x);
-        set_reference(x);
+    void measure(double x, Tally& t) { measure(Args{x}, t); }
+    void measure(Args a, Tally& t) {
+        const Value v = call(a);
+        set_reference(a);
         if (row_.result == "r4") {
-            judge(v.r4, kFloat, x, t.primary);
+            judge(v.r4, kFloat, a, t.primary);
         } else if (row_.result == "r8") {
-            judge(v.r8, kDouble, x, t.primary);
+            judge(v.r8, kDouble, a, t.primary);
         } else {  // r8x
-            judge(v.r8x, kExtended, x, t.primary);
-            judge(static_cast<double>(v.r8x), kDouble, x, t.as_double);
+            judge(v.r8x, kExtended, a, t.primary);
+            judge(static_cast<double>(v.r8x), kDouble, a, t.as_double);
         }
     }
 
-    void set_reference(double x) {
-        mpfr_set_d(x_, x, MPFR_RNDN);
-        ref_.mpfr(y_, x_, MPFR_RNDN);
+    void set_reference(double x) { set_reference(Args{x}); }
+    void set_reference(Args a) {
+        mpfr_set_d(x_, a.x, MPFR_RNDN);
+        if (ref_.mpfr2) {
+            mpfr_set_d(x2_, a.y, MPFR_RNDN);
+            ref_.mpfr2(y_, x_, x2_, MPFR_RNDN);
+        } else {
+            ref_.mpfr(y_, x_, MPFR_RNDN);
+        }
     }
 
     // Judges v against the current reference.
-    void judge(long double v, const Format& f, double x, Figure& fig) {
+    void judge(long double v, const Format& f, Args a, Figure& fig) {
         if (mpfr_nan_p(y_)) {
-            if (std::isnan(v)) fig.add(0.0, true, x);
-            else fig.mismatch(x);
+            if (std::isnan(v)) fig.add(0.0, true, a);
+            else fig.mismatch(a);
             return;
         }
         const long double rounded = round_to(f);
         if (std::isnan(v) || std::isinf(v) || std::isinf(rounded)) {
-            if (v == rounded) fig.add(0.0, true, x);  // the same infinity
-            else fig.mismatch(x);
+            if (v == rounded) fig.add(0.0, true, a);  // the same infinity
+            else fig.mismatch(a);
             return;
         }
-        fig.add(ulp_error(v, f), v == rounded, x);
+        fig.add(ulp_error(v, f), v == rounded, a);
     }
 
     // |v - y| / ulp(y) in the format f.
@@ -329,14 +348,21 @@ public:
 private:
     const Reference& ref_;
     const exports::Row& row_;
-    mpfr_t x_, y_, d_;
+    mpfr_t x_, x2_, y_, d_;
 };
 
 // ---- printing ------------------------------------------------------------
 
-void print_argument(double x, bool single) {
-    if (single) std::printf("%a (%.9g)", x, x);
-    else std::printf("%a (%.17g)", x, x);
+void print_argument(Args a, bool single) {
+    auto one = [single](double v) {
+        if (single) std::printf("%a (%.9g)", v, v);
+        else std::printf("%a (%.17g)", v, v);
+    };
+    one(a.x);
+    if (!std::isnan(a.y)) {
+        std::printf(", y = ");
+        one(a.y);
+    }
 }
 
 void print_figure(const char* label, const Figure& f, bool single) {
@@ -383,6 +409,32 @@ template <class T> Tally sampled_run(const Reference& ref, const exports::Row& r
     return total;
 }
 
+// Two arguments: the first range of pairs `count` times, the others
+// max(1000, count/50) times each; pairs rounded to the argument kind.
+Tally pair_run(const Reference& ref, const exports::Row& row, const Options& o,
+               std::vector<std::pair<std::string_view, Figure>>& per_range) {
+    Judge judge(ref, row);
+    std::mt19937_64 random(o.seed);
+    const bool single = ref.input == "r4";
+    const double limit = single ? 104.0 : 745.2;
+    auto draw = [&](const PairRange& r) {
+        Args a;
+        r.generate(random, limit, a.x, a.y);
+        if (single) a = Args{static_cast<float>(a.x), static_cast<float>(a.y)};
+        return a;
+    };
+    Tally total;
+    const std::uint64_t per = std::max<std::uint64_t>(1000, o.count / 50);
+    for (std::size_t k = 0; k < ref.pairs.size(); ++k) {
+        Tally t;
+        const std::uint64_t n = k == 0 ? o.count : (o.ranges ? per : 0);
+        for (std::uint64_t i = 0; i < n; ++i) judge.measure(draw(ref.pairs[k]), t);
+        if (n) per_range.emplace_back(ref.pairs[k].label, t.primary);
+        total.merge(t);
+    }
+    return total;
+}
+
 // Every REAL(4) argument in the domain, in `threads` interleaved slices.
 // With a fast reference of relative error 2^-b, the error in ulps is taken
 // from it (off by at most 2^(24-b) ulp) and the correct rounding decided by
@@ -411,7 +463,7 @@ Tally exhaustive_run(const Reference& ref, const exports::Row& row, unsigned thr
                             int e;
                             std::frexp(r, &e);  // r in [2^(e-1), 2^e)
                             const long double ulp = std::ldexp(1.0L, std::max(e - 24, -149));
-                            t.primary.add(static_cast<double>(std::fabs(v - r) / ulp), v == lo, x);
+                            t.primary.add(static_cast<double>(std::fabs(v - r) / ulp), v == lo, Args{x});
                             continue;
                         }
                     }
@@ -484,7 +536,8 @@ int run(int argc, char** argv) {
     for (const Reference* ref : chosen) {
         const exports::Row& row = *exports::find(ref->name);
         const bool single = ref->input == "r4";
-        if (row.args != ref->input || (row.result != "r4" && row.result != "r8" && row.result != "r8x")) {
+        const std::string args = ref->mpfr2 ? std::string(ref->input) + "," + std::string(ref->input) : std::string(ref->input);
+        if (row.args != args || (row.result != "r4" && row.result != "r8" && row.result != "r8x")) {
             std::printf("%.*s: kinds %.*s -> %.*s not measurable here\n", static_cast<int>(ref->name.size()),
                         ref->name.data(), static_cast<int>(row.args.size()), row.args.data(),
                         static_cast<int>(row.result.size()), row.result.data());
@@ -497,12 +550,16 @@ int run(int argc, char** argv) {
         std::uint64_t undecided = 0;
         std::string how;
         if (o.exhaustive) {
-            if (!single) {
-                std::printf("%.*s: --exhaustive is for REAL(4) arguments; sampling instead\n",
+            if (!single || ref->mpfr2) {
+                std::printf("%.*s: --exhaustive is for one REAL(4) argument; sampling instead\n",
                             static_cast<int>(ref->name.size()), ref->name.data());
             }
         }
-        if (o.exhaustive && single) {
+        if (ref->mpfr2) {
+            tally = pair_run(*ref, row, o, per_range);
+            how = std::to_string(o.count) + " random pairs + " + std::to_string(per_range.size() - 1) +
+                  " ranges of hard pairs";
+        } else if (o.exhaustive && single) {
             tally = exhaustive_run(*ref, row, o.threads, undecided);
             how = "every REAL(4) argument in the domain";
         } else {

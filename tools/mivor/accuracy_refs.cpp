@@ -117,6 +117,95 @@ constexpr Range kTrigHard4[] = {
     {"tiny", Spread::LogUniform, 0x1p-30, 0x1p-5, true},
 };
 
+// The powers to the base two and ten: both ends of the range (subnormal
+// results, rounded once onto their grid) and the integral exponents.
+constexpr Range kPow2Hard8[] = {
+    {"near overflow", Spread::Bits, 1000.0, 1023.999},
+    {"subnormal results", Spread::Bits, -1075.0, -1022.0},
+    {"near integers", Spread::NearMultiples, -1000, 1000, false, nullptr, 1.0},
+    {"tiny", Spread::LogUniform, 0x1p-60, 0x1p-20, true},
+};
+constexpr Range kPow10Hard8[] = {
+    {"near overflow", Spread::Bits, 300.0, 308.25},
+    {"subnormal results", Spread::Bits, -323.6, -307.6},
+    {"near integers", Spread::NearMultiples, -300, 300, false, nullptr, 1.0},
+    {"tiny", Spread::LogUniform, 0x1p-60, 0x1p-20, true},
+};
+constexpr Range kPow2Hard4[] = {
+    {"near overflow", Spread::Bits, 120.0, 127.99},
+    {"subnormal results", Spread::Bits, -150.0, -126.0},
+    {"tiny", Spread::LogUniform, 0x1p-30, 0x1p-10, true},
+};
+constexpr Range kPow10Hard4[] = {
+    {"near overflow", Spread::Bits, 35.0, 38.5},
+    {"subnormal results", Spread::Bits, -45.2, -37.9},
+    {"tiny", Spread::LogUniform, 0x1p-30, 0x1p-10, true},
+};
+
+// ---- argument pairs of x**y ----------------------------------------------
+
+double uniform(std::mt19937_64& g, double lo, double hi) { return std::uniform_real_distribution<double>(lo, hi)(g); }
+double sign(std::mt19937_64& g) { return (g() & 1) ? -1.0 : 1.0; }
+// A positive double, log-uniform in magnitude over [2^lo, 2^hi].
+double magnitude(std::mt19937_64& g, double lo, double hi) { return std::exp2(uniform(g, lo, hi)); }
+
+// x over every positive double (log-uniform), y such that |y log x| is
+// uniform below the limit: results spread over the whole range.
+void pow_random(std::mt19937_64& g, double limit, double& x, double& y) {
+    const bool single = limit < 200;
+    x = magnitude(g, single ? -149 : -1074, single ? 128 : 1024);
+    const double l = std::log(x);
+    y = l == 0 ? uniform(g, -1e6, 1e6) : sign(g) * uniform(g, 0, limit) / std::fabs(l);
+}
+// x within 2^-20 of 1, y large: log x carries the whole result.
+void pow_near_one(std::mt19937_64& g, double limit, double& x, double& y) {
+    x = 1.0 + sign(g) * magnitude(g, limit < 200 ? -23 : -52, -20);
+    const double l = std::log(x);
+    y = sign(g) * uniform(g, 0, limit) / std::fabs(l);
+}
+// Results near the ends: |y log x| within a few units of overflow, and the
+// subnormal range.
+void pow_near_overflow(std::mt19937_64& g, double limit, double& x, double& y) {
+    x = magnitude(g, 0.01, limit < 200 ? 127 : 1023);
+    y = uniform(g, limit < 200 ? 80 : 700, limit < 200 ? 88.72 : 709.78) / std::log(x);
+}
+void pow_subnormal(std::mt19937_64& g, double limit, double& x, double& y) {
+    x = magnitude(g, 0.01, limit < 200 ? 127 : 1023);
+    y = -uniform(g, limit < 200 ? 87.3 : 708.4, limit < 200 ? 103.9 : 745.1) / std::log(x);
+}
+// Negative bases with integral exponents (the sign from the parity), the
+// powers finite: an overflow gives +Inf whatever the sign, on purpose.
+void pow_negative_integral(std::mt19937_64& g, double limit, double& x, double& y) {
+    x = -magnitude(g, -10, 10);
+    y = std::trunc(sign(g) * uniform(g, 0, 0.85 * limit) / std::fabs(std::log(-x)));
+}
+// Small integral exponents of any base, where the result is often exact.
+void pow_small_integers(std::mt19937_64& g, double limit, double& x, double& y) {
+    x = sign(g) * std::nearbyint(magnitude(g, 0, 20));
+    const double l = std::log(std::fabs(x));
+    y = std::trunc(uniform(g, -1, 1) * (l == 0 ? 40 : std::min(40.0, 0.85 * limit / l)));
+}
+// Tiny exponents (result near 1) and subnormal bases.
+void pow_tiny_exponent(std::mt19937_64& g, double limit, double& x, double& y) {
+    x = magnitude(g, limit < 200 ? -149 : -1074, limit < 200 ? 128 : 1024);
+    y = sign(g) * magnitude(g, -60, -10);
+}
+void pow_subnormal_base(std::mt19937_64& g, double limit, double& x, double& y) {
+    x = magnitude(g, limit < 200 ? -149 : -1074, limit < 200 ? -126 : -1022);
+    y = sign(g) * uniform(g, 0, limit) / std::fabs(std::log(x));
+}
+
+constexpr PairRange kPowPairs[] = {
+    {"random", pow_random},
+    {"x near 1, large y", pow_near_one},
+    {"results near overflow", pow_near_overflow},
+    {"subnormal results", pow_subnormal},
+    {"negative x, integral y", pow_negative_integral},
+    {"small integral y", pow_small_integers},
+    {"tiny y", pow_tiny_exponent},
+    {"subnormal x", pow_subnormal_base},
+};
+
 // ---- fast references for --exhaustive ----------------------------------
 
 // cbrt: the platform's double cube root (within a few ulps, 2^-50) refined
@@ -159,6 +248,12 @@ constexpr Reference kReferences[] = {
     {"g_dcotan", mpfr_cot, "r8", -3.5e15, 3.5e15, kTrigHard8},  // cot(+-0) reports 214
     {"g_tan", mpfr_tan, "r4", -823000.0, 823000.0, kTrigHard4},
     {"g_cotan", mpfr_cot, "r4", -823000.0, 823000.0, kTrigHard4},
+    {"g_a2xd", mpfr_exp2, "r8", -1075.0, 1023.999, kPow2Hard8},
+    {"g_atxd", mpfr_exp10, "r8", -323.6, 308.25, kPow10Hard8},
+    {"g_a2xr", mpfr_exp2, "r4", -150.0, 127.99, kPow2Hard4},
+    {"g_atxr", mpfr_exp10, "r4", -45.2, 38.5, kPow10Hard4},
+    {"g_adxd", nullptr, "r8", 0, 0, {}, nullptr, 0, mpfr_pow, kPowPairs},
+    {"g_arxr", nullptr, "r4", 0, 0, {}, nullptr, 0, mpfr_pow, kPowPairs},
 };
 
 }  // namespace
