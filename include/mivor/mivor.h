@@ -105,6 +105,10 @@ MIVOR_API float g_sqrt(const float *a0);
 MIVOR_API long double g_dsqrt(const double *a0);
 MIVOR_API float g_cbrt(const float *a0);
 MIVOR_API long double g_dcbrt(const double *a0);
+MIVOR_API float g_erf(const float *a0);
+MIVOR_API double g_derf(const double *a0);
+MIVOR_API float g_erfc(const float *a0);
+MIVOR_API double g_derfc(const double *a0);
 #if defined(__SSE2__)
 MIVOR_API __m128d pk_dexp(__m128d x0);
 MIVOR_API __m128d pk_dlog(__m128d x0);

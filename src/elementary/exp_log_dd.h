@@ -140,4 +140,8 @@ inline double exp_normal(const ExpParts& e) {
 // the least subnormal.
 double exp_finish(const ExpParts& e);
 
+// 2^m (hi + lo) rounded once, for hi in [2^-60, 2) and |lo| <= 2^-50 hi:
+// the same rules at the ends of the range.
+double scale_finish(std::int64_t m, double hi, double lo);
+
 }  // namespace mivor::elementary

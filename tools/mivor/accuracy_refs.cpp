@@ -142,6 +142,21 @@ constexpr Range kPow10Hard4[] = {
     {"tiny", Spread::LogUniform, 0x1p-30, 0x1p-10, true},
 };
 
+// erf, erfc: the small-argument polynomial's end, the rows of the scaled
+// complement, the tails (erfc down to its subnormal results).
+constexpr Range kErfHard8[] = {
+    {"tiny", Spread::LogUniform, 0x1p-1074, 0x1p-20, true},
+    {"near 1/2", Spread::Bits, 0.49, 0.51},
+    {"[1/2, 6]", Spread::Bits, -6.0, 6.0},
+    {"tail", Spread::Bits, 5.0, 27.3},
+    {"subnormal results", Spread::Bits, 26.5, 27.3},
+};
+constexpr Range kErfHard4[] = {
+    {"tiny", Spread::LogUniform, 0x1p-149, 0x1p-10, true},
+    {"[1/2, 6]", Spread::Bits, -6.0, 6.0},
+    {"tail", Spread::Bits, 5.0, 10.1},
+};
+
 // ---- argument pairs of x**y ----------------------------------------------
 
 double uniform(std::mt19937_64& g, double lo, double hi) { return std::uniform_real_distribution<double>(lo, hi)(g); }
@@ -215,6 +230,10 @@ long double fast_cbrt(long double x) {
     const long double y0 = std::cbrt(static_cast<double>(x));
     return y0 - (y0 - x / (y0 * y0)) / 3.0L;
 }
+// erf, erfc: glibc's extended-precision functions, within a few units of
+// a 64-bit significand (2^-58 with margin).
+long double fast_erf(long double x) { return erfl(x); }
+long double fast_erfc(long double x) { return erfcl(x); }
 // sqrt: FSQRT is correctly rounded to 64 bits.
 long double fast_sqrt(long double x) { return std::sqrt(x); }
 
@@ -252,6 +271,10 @@ constexpr Reference kReferences[] = {
     {"g_atxd", mpfr_exp10, "r8", -323.6, 308.25, kPow10Hard8},
     {"g_a2xr", mpfr_exp2, "r4", -150.0, 127.99, kPow2Hard4},
     {"g_atxr", mpfr_exp10, "r4", -45.2, 38.5, kPow10Hard4},
+    {"g_derf", mpfr_erf, "r8", -kDmax, kDmax, kErfHard8},
+    {"g_derfc", mpfr_erfc, "r8", -kDmax, kDmax, kErfHard8},
+    {"g_erf", mpfr_erf, "r4", -kFmax, kFmax, kErfHard4, fast_erf, 58},
+    {"g_erfc", mpfr_erfc, "r4", -kFmax, kFmax, kErfHard4, fast_erfc, 58},
     {"g_adxd", nullptr, "r8", 0, 0, {}, nullptr, 0, mpfr_pow, kPowPairs},
     {"g_arxr", nullptr, "r4", 0, 0, {}, nullptr, 0, mpfr_pow, kPowPairs},
 };
