@@ -157,6 +157,33 @@ constexpr Range kErfHard4[] = {
     {"tail", Spread::Bits, 5.0, 10.1},
 };
 
+// gamma, log-gamma: around the zeros of log-gamma (1 and 2), the rows'
+// ends, tiny arguments, both ends of the range, negative arguments (near
+// the poles, and deep enough for subnormal and zero results).
+constexpr Range kGammaHard8[] = {
+    {"near 1 and 2", Spread::Bits, 0.9, 2.3},
+    {"near 1/2 (the reflected rows' end)", Spread::Bits, 0.49, 0.51},
+    {"tiny", Spread::LogUniform, 0x1p-1000, 0x1p-20},
+    {"(0, 16)", Spread::Bits, 0x1p-10, 16.0},
+    {"near overflow", Spread::Bits, 160.0, 171.62},
+    {"negative, near poles", Spread::NearMultiples, -170, -1, false, nullptr, 1.0},
+    {"negative", Spread::Bits, -190.0, -0x1p-10},
+};
+constexpr Range kLgammaHard8[] = {
+    {"near 1 and 2", Spread::Bits, 0.9, 2.3},
+    {"near 1/2 (the reflected rows' end)", Spread::Bits, 0.49, 0.51},
+    {"tiny", Spread::LogUniform, 0x1p-1074, 0x1p-20},
+    {"(0, 16)", Spread::Bits, 0x1p-10, 16.0},
+    {"large", Spread::LogUniform, 16.0, 0x1p1000},
+    {"negative, near poles", Spread::NearMultiples, -170, -1, false, nullptr, 1.0},
+    {"negative (-190, 0)", Spread::Bits, -190.0, -0x1p-10},
+    {"negative beyond -190", Spread::Bits, -0x1p40, -190.0},
+};
+constexpr Range kGammaHard4[] = {
+    {"near 1 and 2", Spread::Bits, 0.9, 2.3},
+    {"negative", Spread::Bits, -45.0, -0x1p-10},
+};
+
 // ---- argument pairs of x**y ----------------------------------------------
 
 double uniform(std::mt19937_64& g, double lo, double hi) { return std::uniform_real_distribution<double>(lo, hi)(g); }
@@ -234,6 +261,18 @@ long double fast_cbrt(long double x) {
 // a 64-bit significand (2^-58 with margin).
 long double fast_erf(long double x) { return erfl(x); }
 long double fast_erfc(long double x) { return erfcl(x); }
+// gamma, log-gamma: glibc's extended-precision functions, a few units of a
+// 64-bit significand from the value (2^-57 with margin); log-gamma not
+// near its zeros, where its error is absolute: MPFR decides there.
+long double fast_gamma(long double x) { return tgammal(x); }
+long double fast_lgamma(long double x) {
+    const long double r = lgammal(x);
+    return std::fabs(r) < 0.25L ? std::nanl("") : r;
+}
+int log_abs_gamma(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rnd) {
+    int sign;
+    return mpfr_lgamma(y, &sign, x, rnd);
+}
 // sqrt: FSQRT is correctly rounded to 64 bits.
 long double fast_sqrt(long double x) { return std::sqrt(x); }
 
@@ -275,6 +314,11 @@ constexpr Reference kReferences[] = {
     {"g_derfc", mpfr_erfc, "r8", -kDmax, kDmax, kErfHard8},
     {"g_erf", mpfr_erf, "r4", -kFmax, kFmax, kErfHard4, fast_erf, 58},
     {"g_erfc", mpfr_erfc, "r4", -kFmax, kFmax, kErfHard4, fast_erfc, 58},
+    {"g_dgamma", mpfr_gamma, "r8", -190.0, 171.62, kGammaHard8},
+    {"g_dlgama", log_abs_gamma, "r8", -0x1p52, 0x1p1000, kLgammaHard8},
+    {"g_gamma", mpfr_gamma, "r4", -45.0, 35.04, kGammaHard4, fast_gamma, 57},
+    {"g_algama", log_abs_gamma, "r4", -0x1p23f, 0x1p120f, kGammaHard4, fast_lgamma, 57},
+    {"g_lgamma", log_abs_gamma, "r4", -0x1p23f, 0x1p120f, kGammaHard4, fast_lgamma, 57},
     {"g_adxd", nullptr, "r8", 0, 0, {}, nullptr, 0, mpfr_pow, kPowPairs},
     {"g_arxr", nullptr, "r4", 0, 0, {}, nullptr, 0, mpfr_pow, kPowPairs},
 };
