@@ -25,15 +25,19 @@
 //
 // Accuracy.  The rows' fits are at most 2^-56.6 relative (2^-59 outside
 // the rows next to 1 and 2), Stirling's series 2^-54 of S (below 2^-61
-// absolute), log_dd 2^-68.5, the exponential 2^-61: log-gamma at most
-// 0.5 + 0.14 ulp plus the roundings of the small terms, 0.7 ulp; gamma,
-// whose error is the absolute error of the logarithm, 0.5 + 2^53 (27.9
-// 2^-59 + 2^-61) = 0.7 ulp below 16 and less above.  Near the zeros of
-// log-gamma on the negative axis (near -2.46, -2.75, ..., and within
-// 2^-40 of each negative integer beyond) the subtraction cancels: there
-// the error is absolute, about 2^-60 |log |x||.  Measured:
-// `mivor accuracy g_dgamma g_dlgama` (see README).  REAL(4): the REAL(8)
-// value rounded once more.
+// absolute), log_dd 2^-68.5, the exponential 2^-61.  In the rows the
+// leading terms c0 + c1 d (and in the zero rows c2 d^2 too) are formed
+// exactly; the rest is at most a fifth of the value at the ends of the
+// widest zero row, so its roundings add a few hundredths of an ulp:
+// log-gamma at most 0.5 + 0.14 + 0.05 ulp; gamma, whose error is the
+// absolute error of the logarithm, 0.5 + 2^53 (27.9 2^-59 + 2^-61) = 0.7 ulp
+// below 16 and less above.  Near the zeros of log-gamma on the negative
+// axis (near -2.46, -2.75, ..., and within 2^-40 of each negative integer
+// beyond) the subtraction cancels: there the error is absolute, about
+// 2^-60 |log |x||.  Measured (`mivor accuracy --count 1000000 g_dgamma
+// g_dlgama`, README): 0.51 ulp both.  REAL(4): the REAL(8) value rounded
+// once more, correctly rounded on every argument but the few whose value
+// lies within 2^-29 of a halfway point (`mivor accuracy --exhaustive`).
 //
 // Special cases and reports (direct form, the argument described):
 //   gamma: +-0 and x > 171.62 (+Inf included), and positive x below
@@ -71,6 +75,17 @@ DD row_value(const t::Row& w, double x) {
     const DD p = two_prod(d, w.c1hi);
     const double* c = w.c;
     const double d2 = d * d, d4 = d2 * d2, d8 = d4 * d4;
+    if (w.c0hi == 0.0) {
+        // A zero row: c1 d and c2 d^2 are of one size (a fifth of the value
+        // at the far end of [2, 2.25)), so c2 d^2 is formed exactly too and
+        // only d^3 (c3 + ...), below a hundredth of the value, is rounded.
+        const DD dd = two_prod(d, d);
+        const DD t = two_prod(dd.hi, c[0]);
+        const double r = ((c[1] + c[2] * d) + d2 * (c[3] + c[4] * d)) + d4 * ((c[5] + c[6] * d) + d2 * (c[7] + c[8] * d)) +
+                         d8 * c[9];
+        const DD u = two_sum(p.hi, t.hi);
+        return {u.hi, u.lo + (p.lo + (t.lo + (dd.lo * c[0] + (d * w.c1lo + w.c0lo) + dd.hi * d * r)))};
+    }
     const double q = ((c[0] + c[1] * d) + d2 * (c[2] + c[3] * d)) +
                      d4 * ((c[4] + c[5] * d) + d2 * (c[6] + c[7] * d)) + d8 * (c[8] + c[9] * d);
     const DD s = two_sum(w.c0hi, p.hi);
