@@ -2,8 +2,10 @@
 // error function of REAL(8) and REAL(4).
 //
 // Method.  Near zero, erf x = x + x (Q0 + Q1 x^2 + ... + Q9 x^18) on
-// |x| <= 1/2 (fit 2^-56.2 relative, the rounding of Q0; x Q is a small
-// correction of x, rounded once, then the sum: at most 0.56 ulp).
+// |x| <= 1/2 (fit 2^-56.2 relative, the rounding of Q0: up to 0.22 ulp of
+// the result; x Q, about 0.13 x, carries a few roundings of its own, up to
+// 0.17 ulp of a result just above a power of two; then the sum rounds:
+// at most 0.89 ulp, 0.79 measured on 10^6 arguments).
 // Elsewhere both come from the scaled complement
 //     erfc x = e^(-x^2) g(x),  g(x) = erfc(x) e^(x^2)  (x >= 0),
 // g smooth and slowly varying (1 at 0, about 1/(x sqrt(pi)) for large x):
