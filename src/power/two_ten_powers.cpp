@@ -14,10 +14,11 @@
 // REAL(8); the REAL(4) range for REAL(4)) is reported as for the general
 // power, 1417 / 1416 with +Inf or the finite substitute, and the report
 // describes the constant base (2.0 or 10.0 of the operand's kind) as the
-// first operand and the exponent as the second.  The pass runs on both as
-// on any power: a handler that corrects the base to another value gets
-// that value's power (see power/real_power.h).  NaN gives NaN, underflow
-// +0, neither reported.
+// first operand and the exponent as the second.  The base is the
+// operator's own constant, not the caller's operand: a retry takes the
+// handler's exponent and keeps the base, so 2**y and 10**y stay powers of
+// their base and report nothing but their overflow.  NaN gives NaN,
+// underflow +0, neither reported.
 #include "frame/dispatch.h"
 #include "mivor/mivor.h"
 #include "power/real_power.h"
@@ -58,16 +59,14 @@ double ten_to(double y) {
 }
 
 template <class T>
-report::Step<T, T, T> two_pass(T base, T y) {
-    if (base != T(2)) return power::power_pass(base, y);
+report::Step<T, T, T> two_pass(T /*the constant base*/, T y) {
     const T p = static_cast<T>(two_to(y));
     if (p == power::Kind<T>::inf) return report::fail(power::Kind<T>::overflow, power::Kind<T>::inf, power::Kind<T>::huge);
     return p;
 }
 
 template <class T>
-report::Step<T, T, T> ten_pass(T base, T y) {
-    if (base != T(10)) return power::power_pass(base, y);
+report::Step<T, T, T> ten_pass(T /*the constant base*/, T y) {
     const T p = static_cast<T>(ten_to(y));
     if (p == power::Kind<T>::inf) return report::fail(power::Kind<T>::overflow, power::Kind<T>::inf, power::Kind<T>::huge);
     return p;
