@@ -6,11 +6,14 @@
 For an ELF shared object: the dynamic symbols it defines are exactly the
 implemented rows of src/exports/exports.tab and the reference-BLAS entries
 of the Linux builds (dgemm_, dgemv_ and a weak xerbla_); it leaves jwe_lca,
-jwe_x_init and jwe_xint undefined (the core run-time provides them) and
+jwe_x_init and jwe_xint undefined (the core run-time provides them), and
+f_aint, f_dint and jwe_fnzb (the sibling intrinsic run-time mivorfsse2), and
 calls nothing from the platform's maths library.
 
 For a PE DLL: its export table is exactly the implemented rows; it imports
-only from KERNEL32, msvcrt and mivori.dll, and no maths function from msvcrt.
+from exactly KERNEL32, msvcrt, mivori.dll and mivorfsse2.dll, the sibling
+libraries' entries named above from those two, and no maths function from
+msvcrt.
 """
 import argparse
 import pathlib
@@ -29,9 +32,10 @@ LIBM = re.compile(
     r"nearbyint|rint|lrint|llrint|fma|fdim|fmax|fmin|nextafter|nexttoward|ilogb|j0|j1|jn|y0|y1|yn)"
     r"[fl]?(_finite)?$")
 CORE = {"jwe_lca", "jwe_x_init", "jwe_xint"}
+SIBLING = {"f_aint", "f_dint", "jwe_fnzb"}
+IMPORTED_DLLS = {"kernel32.dll", "msvcrt.dll", "mivori.dll", "mivorfsse2.dll"}
 # Linux only, outside the table: the Windows library exports exactly the table.
 ELF_BLAS = {"dgemm_", "dgemv_", "xerbla_"}
-ALLOWED_DLLS = {"kernel32.dll", "msvcrt.dll", "mivori.dll"}
 
 
 def check_elf(path, nm):
@@ -45,6 +49,8 @@ def check_elf(path, nm):
     problems = []
     if not CORE <= needed:
         problems.append(f"does not import the core run-time's {sorted(CORE - needed)}")
+    if not SIBLING <= needed:
+        problems.append(f"does not import the intrinsic run-time's {sorted(SIBLING - needed)}")
     maths = sorted(s for s in needed if LIBM.match(s))
     if maths:
         problems.append(f"calls the platform's maths library: {maths}")
@@ -61,12 +67,19 @@ def check_pe(path, objdump):
     text = subprocess.run([objdump, "-p", path], capture_output=True, text=True, check=True).stdout
     dlls = {m.lower() for m in re.findall(r"DLL Name: (\S+)", text)}
     problems = []
-    if not dlls <= ALLOWED_DLLS:
-        problems.append(f"imports from {sorted(dlls - ALLOWED_DLLS)}")
-    if "mivori.dll" not in dlls:
-        problems.append("does not import mivori.dll")
-    # Imported names: lines "\t   <hint>  <name>" inside the import tables.
-    imports = set(re.findall(r"^\s+[0-9a-f]+\s+(\S+)\s*$", text.split("The Export Tables")[0], re.M))
+    if dlls != IMPORTED_DLLS:
+        problems.append(f"imports from {sorted(dlls)}, not exactly {sorted(IMPORTED_DLLS)}")
+    # Imported names by DLL: a "DLL Name:" line, then lines
+    # "\t<vma>  <hint>  <name>".
+    by_dll = {}
+    for block in text.split("The Export Tables")[0].split("DLL Name: ")[1:]:
+        name = block.split()[0].lower()
+        by_dll[name] = set(re.findall(r"^\s+[0-9a-f]+\s+\d+\s+(\S+)\s*$", block, re.M))
+    imports = set().union(*by_dll.values()) if by_dll else set()
+    if not CORE <= by_dll.get("mivori.dll", set()):
+        problems.append(f"does not import {sorted(CORE)} from mivori.dll")
+    if not SIBLING <= by_dll.get("mivorfsse2.dll", set()):
+        problems.append(f"does not import {sorted(SIBLING)} from mivorfsse2.dll")
     maths = sorted(s for s in imports if LIBM.match(s))
     if maths:
         problems.append(f"calls the C run-time's maths functions: {maths}")

@@ -105,6 +105,15 @@ MIVOR_API float g_sqrt(const float *a0);
 MIVOR_API long double g_dsqrt(const double *a0);
 MIVOR_API float g_cbrt(const float *a0);
 MIVOR_API long double g_dcbrt(const double *a0);
+MIVOR_API float g_gamma(const float *a0);
+MIVOR_API double g_dgamma(const double *a0);
+MIVOR_API float g_algama(const float *a0);
+MIVOR_API float g_lgamma(const float *a0);
+MIVOR_API double g_dlgama(const double *a0);
+MIVOR_API float g_erf(const float *a0);
+MIVOR_API double g_derf(const double *a0);
+MIVOR_API float g_erfc(const float *a0);
+MIVOR_API double g_derfc(const double *a0);
 #if defined(__SSE2__)
 MIVOR_API __m128d pk_dexp(__m128d x0);
 MIVOR_API __m128d pk_dlog(__m128d x0);
@@ -126,6 +135,12 @@ MIVOR_API mivor_complex8 *g_axxi(mivor_complex8 *result, const mivor_complex8 *a
 MIVOR_API mivor_complex8 *g_axxj(mivor_complex8 *result, const mivor_complex8 *a0, const int64_t *a1);
 MIVOR_API mivor_complex16 *g_azxi(mivor_complex16 *result, const mivor_complex16 *a0, const int32_t *a1);
 MIVOR_API mivor_complex16 *g_azxj(mivor_complex16 *result, const mivor_complex16 *a0, const int64_t *a1);
+MIVOR_API float g_arxr(const float *a0, const float *a1);
+MIVOR_API double g_adxd(const double *a0, const double *a1);
+MIVOR_API float g_a2xr(const float *a0);
+MIVOR_API double g_a2xd(const double *a0);
+MIVOR_API float g_atxr(const float *a0);
+MIVOR_API double g_atxd(const double *a0);
 
 /* complex */
 MIVOR_API mivor_complex4 *g_acmc(mivor_complex4 *result, const mivor_complex4 *a0, const mivor_complex4 *a1);

@@ -32,8 +32,8 @@ constexpr bool tail_nonzero(const Real16& q) { return ((q.w[1] & 0x1FFFFu) | q.w
 constexpr int unbiased_exponent(const Real16& q) { return static_cast<int>(exponent_field(q)) - kBias; }
 
 // Leading zero bits of a non-zero word: 31 for 1, 0 when the top bit is set.
-// (The sibling library exports this count; the library keeps its own copy
-// so that it imports nothing but the core run-time.)
+// The conversions from integers take the count from the sibling library
+// (jwe_fnzb, see from_magnitude); the widenings use this inline copy.
 constexpr int leading_zeros(std::uint32_t w) { return std::countl_zero(w); }
 constexpr int leading_zeros(std::uint64_t w) {
     const auto high = static_cast<std::uint32_t>(w >> 32);

@@ -1,8 +1,9 @@
 // g_qfloat, g_aqcj: INTEGER(4) and INTEGER(8) to REAL(16), exact.
 // g_iqint, g_ajcq: REAL(16) to INTEGER(4) and INTEGER(8), truncating.
 //
-// To REAL(16): the magnitude is normalised by its leading-zero count so that
-// its leading one becomes the implicit bit; the exponent field is 16382 + n
+// To REAL(16): the magnitude is normalised by its leading-zero count (the
+// sibling library's jwe_fnzb, word by word) so that its leading one becomes
+// the implicit bit; the exponent field is 16382 + n
 // for n significant bits.  Zero gives +0.  The most negative integers need
 // no case of their own: their magnitude, taken as unsigned, is 2^31 / 2^63.
 //
@@ -19,13 +20,15 @@
 // No error is reported.
 #include "frame/values.h"
 #include "mivor/mivor.h"
+#include "mivorfsse2.h"
 #include "quad/convert.h"
 
 namespace mivor::quad::convert {
 
 Real16 from_magnitude(std::uint64_t magnitude, bool negative) {
     if (magnitude == 0) return make(0, 0, 0, 0);
-    const int zeros = leading_zeros(magnitude);
+    const auto high = static_cast<std::uint32_t>(magnitude >> 32), low = static_cast<std::uint32_t>(magnitude);
+    const int zeros = high != 0 ? jwe_fnzb(&high) : 32 + jwe_fnzb(&low);
     const auto exponent = static_cast<std::uint32_t>(kBias - 1 + (64 - zeros));
     // The fraction: the bits below the leading one, left-aligned in 64 bits.
     const std::uint64_t fraction = (magnitude << zeros) << 1;

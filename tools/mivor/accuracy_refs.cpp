@@ -323,6 +323,175 @@ constexpr Range kPowerHard8Long[] = {
     {"integral x in 2..10, n to 20", near_multiples(2, 10, nullptr, 1, 0, 0), bits(1, 20)},
 };
 
+// ---- real powers ---------------------------------------------------------------------
+
+// The powers to the base two and ten: both ends of the range (subnormal
+// results, rounded once onto their grid) and the integral exponents.
+constexpr Range kPow2Hard8[] = {
+    {"near overflow", bits(1000.0, 1023.999)},
+    {"subnormal results", bits(-1075.0, -1022.0)},
+    {"near integers", near_multiples(-1000, 1000, nullptr, 1.0)},
+    {"tiny", log_uniform(0x1p-60, 0x1p-20, both_signs)},
+};
+constexpr Range kPow10Hard8[] = {
+    {"near overflow", bits(300.0, 308.25)},
+    {"subnormal results", bits(-323.6, -307.6)},
+    {"near integers", near_multiples(-300, 300, nullptr, 1.0)},
+    {"tiny", log_uniform(0x1p-60, 0x1p-20, both_signs)},
+};
+constexpr Range kPow2Hard4[] = {
+    {"near overflow", bits(120.0, 127.99)},
+    {"subnormal results", bits(-150.0, -126.0)},
+    {"tiny", log_uniform(0x1p-30, 0x1p-10, both_signs)},
+};
+constexpr Range kPow10Hard4[] = {
+    {"near overflow", bits(35.0, 38.5)},
+    {"subnormal results", bits(-45.2, -37.9)},
+    {"tiny", log_uniform(0x1p-30, 0x1p-10, both_signs)},
+};
+
+// x**y: pairs whose results spread over the whole range, drawn in double
+// and rounded to the argument kind.  `single` selects the REAL(4) limits.
+struct PowDraw {
+    Draw& d;
+    const mpfr_ptr* c;
+    bool single;
+    double uniform(double lo, double hi) { return lo + (hi - lo) * d.unit(); }
+    double sign() { return d.unit() < 0.5 ? -1.0 : 1.0; }
+    // Positive, log-uniform in magnitude over [2^lo, 2^hi].
+    double magnitude(double lo, double hi) { return std::exp2(uniform(lo, hi)); }
+    double limit() const { return single ? 103.0 : 745.0; }
+    double emin() const { return single ? -149 : -1074; }
+    double emax() const { return single ? 128 : 1024; }
+    void set(double x, double y) {
+        mpfr_set_d(c[0], x, MPFR_RNDN);
+        d.round(0, c[0]);
+        mpfr_set_d(c[1], y, MPFR_RNDN);
+        d.round(1, c[1]);
+    }
+};
+template <bool Single> PowDraw pow_draw(Draw& d, const mpfr_ptr* c) { return {d, c, Single}; }
+
+// x over every positive value (log-uniform), y such that |y log x| is
+// uniform below the limit: results over the whole range.
+template <bool S> void pow_random(Draw& d, const mpfr_ptr* c) {
+    PowDraw p = pow_draw<S>(d, c);
+    const double x = p.magnitude(p.emin(), p.emax()), l = std::log(x);
+    p.set(x, l == 0 ? p.uniform(-1e6, 1e6) : p.sign() * p.uniform(0, p.limit()) / std::fabs(l));
+}
+// x next to 1, y large: log x carries the whole result.
+template <bool S> void pow_near_one(Draw& d, const mpfr_ptr* c) {
+    PowDraw p = pow_draw<S>(d, c);
+    const double x = 1.0 + p.sign() * p.magnitude(S ? -23 : -52, -20);
+    p.set(x, p.sign() * p.uniform(0, p.limit()) / std::fabs(std::log(x)));
+}
+// Results near overflow and in the subnormal range.
+template <bool S> void pow_near_overflow(Draw& d, const mpfr_ptr* c) {
+    PowDraw p = pow_draw<S>(d, c);
+    const double x = p.magnitude(0.01, p.emax() - 1);
+    p.set(x, p.uniform(S ? 80 : 700, S ? 88.72 : 709.78) / std::log(x));
+}
+template <bool S> void pow_subnormal(Draw& d, const mpfr_ptr* c) {
+    PowDraw p = pow_draw<S>(d, c);
+    const double x = p.magnitude(0.01, p.emax() - 1);
+    p.set(x, -p.uniform(S ? 87.3 : 708.4, S ? 103.9 : 745.1) / std::log(x));
+}
+// Small integral exponents of integral bases, where the result is often exact.
+template <bool S> void pow_small_integers(Draw& d, const mpfr_ptr* c) {
+    PowDraw p = pow_draw<S>(d, c);
+    const double x = std::nearbyint(p.magnitude(0, 20)), l = std::log(std::fabs(x));
+    p.set(x, std::trunc(p.uniform(-1, 1) * (l == 0 ? 40 : std::min(40.0, 0.85 * p.limit() / l))));
+}
+// Tiny exponents (results next to 1) and subnormal bases.
+template <bool S> void pow_tiny_exponent(Draw& d, const mpfr_ptr* c) {
+    PowDraw p = pow_draw<S>(d, c);
+    const double x = p.magnitude(p.emin(), p.emax());
+    p.set(x, p.sign() * p.magnitude(-60, -10));
+}
+template <bool S> void pow_subnormal_base(Draw& d, const mpfr_ptr* c) {
+    PowDraw p = pow_draw<S>(d, c);
+    const double x = p.magnitude(p.emin(), S ? -126 : -1022);
+    p.set(x, p.sign() * p.uniform(0, p.limit()) / std::fabs(std::log(x)));
+}
+
+// The random pairs are a hard range too, as many as the random arguments
+// (share 50): over the domain alone most pairs overflow or underflow.
+// Negative bases report unless the exponent is integral, so the domain
+// leaves them out; tests/power checks their signs and values directly.
+template <bool S> constexpr Range kPowPairs[] = {
+    Range{"results over the whole range", pow_random<S>}.times(50),
+    {"x near 1, large y", pow_near_one<S>},
+    {"results near overflow", pow_near_overflow<S>},
+    {"subnormal results", pow_subnormal<S>},
+    {"small integral y", pow_small_integers<S>},
+    {"tiny y", pow_tiny_exponent<S>},
+    {"subnormal x", pow_subnormal_base<S>},
+};
+
+// ---- error function, gamma ---------------------------------------------------------
+
+// erf, erfc: the small-argument polynomial's end, the rows of the scaled
+// complement, the tails (erfc down to its subnormal results).
+constexpr Range kErfHard8[] = {
+    {"tiny", log_uniform(0x1p-1074, 0x1p-20, both_signs)},
+    {"near 1/2", bits(0.49, 0.51)},
+    {"[-6, 6]", bits(-6.0, 6.0)},
+    {"tail", bits(5.0, 27.3)},
+    {"subnormal results", bits(26.5, 27.3)},
+};
+constexpr Range kErfHard4[] = {
+    {"tiny", log_uniform(0x1p-149, 0x1p-10, both_signs)},
+    {"[-6, 6]", bits(-6.0, 6.0)},
+    {"tail", bits(5.0, 10.1)},
+};
+
+// gamma, log-gamma: around the zeros of log-gamma (1 and 2), the rows'
+// ends, tiny arguments, both ends of the range, negative arguments (near
+// the poles, and deep enough for subnormal and zero results).
+constexpr Range kGammaHard8[] = {
+    {"near 1 and 2", bits(0.9, 2.3)},
+    {"near 1/2 (the reflected rows' end)", bits(0.49, 0.51)},
+    {"tiny", log_uniform(0x1p-1000, 0x1p-20)},
+    {"(0, 16)", bits(0x1p-10, 16.0)},
+    {"near overflow", bits(160.0, 171.62)},
+    {"negative, near poles", near_multiples(-170, -1, nullptr, 1.0, 1)},
+    {"negative", bits(-190.0, -0x1p-10)},
+};
+constexpr Range kLgammaHard8[] = {
+    {"near 1 and 2", bits(0.9, 2.3)},
+    {"near 1/2 (the reflected rows' end)", bits(0.49, 0.51)},
+    {"tiny", log_uniform(0x1p-1074, 0x1p-20)},
+    {"(0, 16)", bits(0x1p-10, 16.0)},
+    {"large", log_uniform(16.0, 0x1p1000)},
+    {"negative, near poles", near_multiples(-170, -1, nullptr, 1.0, 1)},
+    // Its zeros near -2.46 and -2.75, where the error is absolute (2^-60):
+    // 0.9 ulp at -2.7477 on 10^6 arguments; judged apart.
+    Range{"negative (-190, 0)", bits(-190.0, -0x1p-10)}.within(2.0),
+    {"negative beyond -190", bits(-0x1p40, -190.0)},
+};
+constexpr Range kGammaHard4[] = {
+    {"near 1 and 2", bits(0.9, 2.3)},
+    {"negative", bits(-45.0, -0x1p-10)},
+};
+
+// erf, erfc: glibc's extended-precision functions, within a few units of
+// a 64-bit significand (2^-58 with margin).
+long double fast_erf(long double x) { return erfl(x); }
+long double fast_erfc(long double x) { return erfcl(x); }
+// gamma, log-gamma: glibc's extended-precision functions, a few units of a
+// 64-bit significand from the value (2^-57 with margin); log-gamma not
+// near its zeros, where its error is absolute: MPFR decides there (a NaN
+// leaves the argument to MPFR).
+long double fast_gamma(long double x) { return tgammal(x); }
+long double fast_lgamma(long double x) {
+    const long double r = lgammal(x);
+    return std::fabs(r) < 0.25L ? std::nanl("") : r;
+}
+int log_abs_gamma(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rnd) {
+    int sign;
+    return mpfr_lgamma(y, &sign, x, rnd);
+}
+
 // ---- the entries ---------------------------------------------------------------------
 
 constexpr Reference kReferences[] = {
@@ -396,6 +565,23 @@ constexpr Reference kReferences[] = {
     {"g_arxj", mpfr_pow, {kPowerBase, kPowerInt8}, kPowerHard4},
     {"g_adxi", mpfr_pow, {kPowerBase, kPowerInt4}, kPowerHard8},
     {"g_adxj", mpfr_pow, {kPowerBase, kPowerInt8}, kPowerHard8Long},
+    // Real powers: one rounding of a double-double power.
+    {"g_a2xd", mpfr_exp2, {interval(-1075.0, 1023.999)}, kPow2Hard8, 0.51},
+    {"g_atxd", mpfr_exp10, {interval(-323.6, 308.25)}, kPow10Hard8, 0.52},
+    {"g_a2xr", mpfr_exp2, {interval(-150.0, 127.99)}, kPow2Hard4, 0.51},
+    {"g_atxr", mpfr_exp10, {interval(-45.2, 38.5)}, kPow10Hard4, 0.51},
+    {"g_adxd", mpfr_pow, {interval(0x1p-1074, kDmax), magnitudes(0x1p-60, 0x1p63)}, kPowPairs<false>, 0.55},
+    {"g_arxr", mpfr_pow, {interval(0x1p-149, kFmax), magnitudes(0x1p-60, 0x1p31)}, kPowPairs<true>, 0.51},
+    // Error function, gamma, log-gamma.
+    {"g_derf", mpfr_erf, {interval(-kDmax, kDmax)}, kErfHard8, 0.85},
+    {"g_derfc", mpfr_erfc, {interval(-kDmax, kDmax)}, kErfHard8, 0.75},
+    {"g_erf", mpfr_erf, {interval(-kFmax, kFmax)}, kErfHard4, 0.51, kUnbounded, fast_erf, 58},
+    {"g_erfc", mpfr_erfc, {interval(-kFmax, kFmax)}, kErfHard4, 0.51, kUnbounded, fast_erfc, 58},
+    {"g_dgamma", mpfr_gamma, {interval(-190.0, 171.62)}, kGammaHard8, 0.55},
+    {"g_dlgama", log_abs_gamma, {interval(-0x1p52, 0x1p1000)}, kLgammaHard8, 0.6},
+    {"g_gamma", mpfr_gamma, {interval(-45.0, 35.04)}, kGammaHard4, 0.51, kUnbounded, fast_gamma, 57},
+    {"g_algama", log_abs_gamma, {interval(-0x1p23, 0x1p120)}, kGammaHard4, 0.51, kUnbounded, fast_lgamma, 57},
+    {"g_lgamma", log_abs_gamma, {interval(-0x1p23, 0x1p120)}, kGammaHard4, 0.51, kUnbounded, fast_lgamma, 57},
 };
 
 }  // namespace
