@@ -267,3 +267,29 @@ extern "C" MIVOR_DISPATCHED double g_dsin(const double* arg) { return sin_or_cos
 extern "C" MIVOR_DISPATCHED double g_dcos(const double* arg) { return sin_or_cos<true>(arg); }
 extern "C" MIVOR_DISPATCHED __m128d pk_dsin(__m128d x) { return packed<false>(x); }
 extern "C" MIVOR_DISPATCHED __m128d pk_dcos(__m128d x) { return packed<true>(x); }
+
+// g_dscn: (sin x, cos x).  For |x| <= 1.05e8 one reduction, the two-lane
+// scheme of pk_dsin (k for every argument), and both rows of the table
+// point, the sine row for one half and the cosine row for the other as the
+// quadrant says: the bits of pk_dsin and pk_dcos, which are those of g_dsin
+// and g_dcos below pi/4 and from 9pi/4 on, and within an ulp of them in
+// between.  Otherwise (larger, infinite, NaN) g_dsin and then g_dcos, so a
+// refused argument reports 203 twice.
+extern "C" MIVOR_DISPATCHED mivor_complex8* g_dscn(mivor_complex8* result, const double* arg) {
+    const double x = *arg;
+    const Sd xv = _mm_set_sd(x);
+    const Sd a = _mm_andnot_pd(lanes(kSignMask), xv);
+    if (!(_mm_cvtsd_f64(a) <= XBIG)) {
+        const double s = sin_or_cos<false>(&x);
+        const double c = sin_or_cos<true>(&x);
+        result->re = s;
+        result->im = c;
+        return result;
+    }
+    const ReducedLanes r = reduce_medium_lanes(a);
+    const double s = evaluate(r, r.k, _mm_and_pd(xv, lanes(kSignMask)));
+    const double c = evaluate(r, r.k + 1, _mm_setzero_pd());
+    result->re = s;
+    result->im = c;
+    return result;
+}

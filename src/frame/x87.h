@@ -46,4 +46,14 @@ inline long double fsqrt(long double v) {
     return v;
 }
 
+// FPATAN: the angle of the point (x, y), atan(y/x) placed in (-pi, pi] by
+// the signs of both, as the processor's partial arctangent gives it (within
+// one unit of a 64-bit significand).  The instruction leaves its result in
+// st(1) and pops: the operand there is consumed.
+inline long double fpatan(long double y, long double x) {
+    long double angle;
+    __asm__("fpatan" : "=t"(angle) : "0"(x), "u"(y) : "st(1)");
+    return angle;
+}
+
 }  // namespace mivor::x87

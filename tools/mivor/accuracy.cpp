@@ -211,6 +211,21 @@ public:
         return bits(lo, hi);
     }
 
+    // A value of a hard range, unclipped: the ratio of a two-argument one.
+    double ratio(const Range& r) {
+        switch (r.spread) {
+            case Spread::Bits: return bits(r.lo, r.hi);
+            case Spread::LogUniform: return log_uniform(r.lo, r.hi, r.both_signs);
+            default: return near_multiple(r);
+        }
+    }
+
+    // The argument of kind T nearest v, or NaN outside the domain.
+    double in_kind(double v) const {
+        const double x = static_cast<double>(static_cast<T>(v));
+        return in_domain(x) ? x : std::nan("");
+    }
+
     // One argument of a hard range, or NaN when it falls outside the domain.
     double hard(const Range& r) {
         double x;
@@ -255,40 +270,60 @@ private:
 class Judge {
 public:
     Judge(const Reference& ref, const exports::Row& row) : ref_(ref), row_(row) {
-        mpfr_inits2(kWorkingPrecision, x_, y_, d_, static_cast<mpfr_ptr>(nullptr));
+        mpfr_inits2(kWorkingPrecision, x_, x2_, y_, d_, static_cast<mpfr_ptr>(nullptr));
     }
-    ~Judge() { mpfr_clears(x_, y_, d_, static_cast<mpfr_ptr>(nullptr)); }
+    ~Judge() { mpfr_clears(x_, x2_, y_, d_, static_cast<mpfr_ptr>(nullptr)); }
     Judge(const Judge&) = delete;
     Judge& operator=(const Judge&) = delete;
 
-    // Calls the export on x and sets the reference; returns the result.
-    Value call(double x) {
-        Value args[1];
+    // Calls the export on x (and x2, the second argument of a
+    // two-argument function); returns the result.
+    Value call(double x, double x2 = 0.0) {
+        Value args[2];
         std::memset(args, 0, sizeof args);
-        if (ref_.input == "r4") args[0].r4 = static_cast<float>(x);
-        else args[0].r8 = x;
+        if (ref_.input == "r4") {
+            args[0].r4 = static_cast<float>(x);
+            args[1].r4 = static_cast<float>(x2);
+        } else {
+            args[0].r8 = x;
+            args[1].r8 = x2;
+        }
         Value result;
         std::memset(&result, 0, sizeof result);
         row_.thunk(args, result);
         return result;
     }
 
-    void measure(double x, Tally& t) {
-        const Value v = call(x);
-        set_reference(x);
-        if (row_.result == "r4") {
-            judge(v.r4, kFloat, x, t.primary);
-        } else if (row_.result == "r8") {
-            judge(v.r8, kDouble, x, t.primary);
+    // The measured value of a result: itself, or one value of a pair.
+    long double value_of(const Value& v) const {
+        if (row_.result == "r4") return v.r4;
+        if (row_.result == "r8") return v.r8;
+        if (row_.result == "c4") return ref_.part == 0 ? v.c4.re : v.c4.im;
+        if (row_.result == "c8") return ref_.part == 0 ? v.c8.re : v.c8.im;
+        return v.r8x;
+    }
+
+    void measure(double x, Tally& t, double x2 = 0.0) {
+        const Value v = call(x, x2);
+        set_reference(x, x2);
+        if (row_.result == "r4" || row_.result == "c4") {
+            judge(value_of(v), kFloat, x, t.primary);
+        } else if (row_.result == "r8" || row_.result == "c8") {
+            judge(value_of(v), kDouble, x, t.primary);
         } else {  // r8x
             judge(v.r8x, kExtended, x, t.primary);
             judge(static_cast<double>(v.r8x), kDouble, x, t.as_double);
         }
     }
 
-    void set_reference(double x) {
+    void set_reference(double x, double x2 = 0.0) {
         mpfr_set_d(x_, x, MPFR_RNDN);
-        ref_.mpfr(y_, x_, MPFR_RNDN);
+        if (ref_.mpfr2) {
+            mpfr_set_d(x2_, x2, MPFR_RNDN);
+            ref_.mpfr2(y_, x_, x2_, MPFR_RNDN);
+        } else {
+            ref_.mpfr(y_, x_, MPFR_RNDN);
+        }
     }
 
     // Judges v against the current reference.
@@ -329,7 +364,7 @@ public:
 private:
     const Reference& ref_;
     const exports::Row& row_;
-    mpfr_t x_, y_, d_;
+    mpfr_t x_, x2_, y_, d_;
 };
 
 // ---- printing ------------------------------------------------------------
@@ -369,11 +404,22 @@ template <class T> Tally sampled_run(const Reference& ref, const exports::Row& r
     Judge judge(ref, row);
     Sampler<T> sampler(ref, o.seed);
     Tally total;
-    for (std::uint64_t i = 0; i < o.count; ++i) judge.measure(sampler.random(i), total);
+    const bool two = ref.mpfr2 != nullptr;
+    for (std::uint64_t i = 0; i < o.count; ++i) {
+        const double x = sampler.random(i);
+        if (two) judge.measure(x, total, sampler.random(i / 2));
+        else judge.measure(x, total);
+    }
     const std::uint64_t per = std::max<std::uint64_t>(1000, o.count / 50);
     for (const Range& r : ref.hard) {
         Tally t;
         for (std::uint64_t i = 0; i < per; ++i) {
+            if (two) {
+                const double x2 = sampler.random(i);
+                const double x = sampler.in_kind(x2 * sampler.ratio(r));
+                if (!std::isnan(x) && x != 0.0 && x2 != 0.0) judge.measure(x, t, x2);  // a zero y: the sign rule
+                continue;
+            }
             const double x = sampler.hard(r);
             if (!std::isnan(x)) judge.measure(x, t);
         }
@@ -402,12 +448,12 @@ Tally exhaustive_run(const Reference& ref, const exports::Row& row, unsigned thr
                 std::memcpy(&xf, &bits32, 4);
                 const double x = xf;
                 if (!(x >= ref.lo && x <= ref.hi)) continue;
-                if (ref.fast && row.result == "r4") {
+                if (ref.fast && (row.result == "r4" || row.result == "c4")) {
                     const long double r = ref.fast(x);
                     if (std::isfinite(r) && r != 0) {
                         const float lo = static_cast<float>(r * (1 - delta)), hi = static_cast<float>(r * (1 + delta));
                         if (lo == hi && std::isfinite(lo)) {
-                            const float v = judge.call(x).r4;
+                            const float v = static_cast<float>(judge.value_of(judge.call(x)));
                             int e;
                             std::frexp(r, &e);  // r in [2^(e-1), 2^e)
                             const long double ulp = std::ldexp(1.0L, std::max(e - 24, -149));
@@ -459,9 +505,9 @@ int run(int argc, char** argv) {
         }
     } else {
         for (std::string_view n : o.names) {
-            const Reference* r = find_reference(n);
+            const std::vector<const Reference*> refs = find_references(n);
             const exports::Row* row = exports::find(n);
-            if (!r) {
+            if (refs.empty()) {
                 std::fprintf(stderr, "mivor accuracy: no reference for %.*s\n", static_cast<int>(n.size()), n.data());
                 return 2;
             }
@@ -469,7 +515,7 @@ int run(int argc, char** argv) {
                 std::printf("%.*s: not implemented\n", static_cast<int>(n.size()), n.data());
                 continue;
             }
-            chosen.push_back(r);
+            chosen.insert(chosen.end(), refs.begin(), refs.end());
         }
     }
 
@@ -478,7 +524,11 @@ int run(int argc, char** argv) {
     for (const Reference* ref : chosen) {
         const exports::Row& row = *exports::find(ref->name);
         const bool single = ref->input == "r4";
-        if (row.args != ref->input || (row.result != "r4" && row.result != "r8" && row.result != "r8x")) {
+        const bool two = ref->mpfr2 != nullptr;
+        const std::string args = two ? std::string(ref->input) + "," + std::string(ref->input) : std::string(ref->input);
+        const bool pair = row.result == "c4" || row.result == "c8";
+        if (row.args != args || (row.result != "r4" && row.result != "r8" && row.result != "r8x" && !pair) ||
+            pair != (ref->part >= 0)) {
             std::printf("%.*s: kinds %.*s -> %.*s not measurable here\n", static_cast<int>(ref->name.size()),
                         ref->name.data(), static_cast<int>(row.args.size()), row.args.data(),
                         static_cast<int>(row.result.size()), row.result.data());
@@ -491,12 +541,12 @@ int run(int argc, char** argv) {
         std::uint64_t undecided = 0;
         std::string how;
         if (o.exhaustive) {
-            if (!single) {
-                std::printf("%.*s: --exhaustive is for REAL(4) arguments; sampling instead\n",
+            if (!single || two) {
+                std::printf("%.*s: --exhaustive is for one REAL(4) argument; sampling instead\n",
                             static_cast<int>(ref->name.size()), ref->name.data());
             }
         }
-        if (o.exhaustive && single) {
+        if (o.exhaustive && single && !two) {
             tally = exhaustive_run(*ref, row, o.threads, undecided);
             how = "every REAL(4) argument in the domain";
         } else {
@@ -508,18 +558,20 @@ int run(int argc, char** argv) {
                   " hard ranges";
         }
         const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-        std::printf("%.*s (%.*s -> %.*s): %" PRIu64 " arguments (%s), %.1f s\n", static_cast<int>(ref->name.size()),
-                    ref->name.data(), static_cast<int>(row.args.size()), row.args.data(),
+        const std::string title = ref->label.empty() ? std::string(ref->name)
+                                                      : std::string(ref->name) + " [" + std::string(ref->label) + "]";
+        std::printf("%s (%.*s -> %.*s): %" PRIu64 " arguments (%s), %.1f s\n", title.c_str(),
+                    static_cast<int>(row.args.size()), row.args.data(),
                     static_cast<int>(row.result.size()), row.result.data(), tally.primary.count + tally.primary.mismatches,
                     how.c_str(), seconds);
         if (row.result == "r8x") {
             print_figure("extended, 64-bit ulps:", tally.primary, single);
             print_figure("rounded to REAL(8), ulps:", tally.as_double, single);
         } else {
-            print_figure(row.result == "r4" ? "REAL(4) ulps:" : "REAL(8) ulps:", tally.primary, single);
+            print_figure(single ? "REAL(4) ulps:" : "REAL(8) ulps:", tally.primary, single);
         }
         if (!per_range.empty())
-            std::printf("  hard ranges, max in %s:\n", row.result == "r4" ? "REAL(4) ulps" : "REAL(8) ulps");
+            std::printf("  hard ranges, max in %s:\n", single ? "REAL(4) ulps" : "REAL(8) ulps");
         for (const auto& [label, fig] : per_range) {
             std::printf("    %-44.*s max %.4g at ", static_cast<int>(label.size()), label.data(),
                         fig.max < 0 ? 0.0 : fig.max);

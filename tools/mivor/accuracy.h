@@ -11,6 +11,9 @@
 // figures: the extended value in ulps of a 64-bit significand, and the value
 // rounded to REAL(8) in REAL(8) ulps.  --exhaustive runs every REAL(4)
 // argument instead (2^32, spread over --threads threads, default 2).
+// A two-argument function (ATAN2) takes both arguments from its domain, its
+// hard ranges giving their ratio; a pair (sin and cos, sinh and cosh) is
+// measured value by value.
 //
 // Built only when MPFR is available (the host flavour); the `mivor` target
 // then carries the definition MIVOR_HAVE_MPFR.

@@ -1,0 +1,276 @@
+// g_dsinh, g_dcosh, g_dtanh, _jwe_guhy and the pairs g_dsch, g_dschq:
+// REAL(8) hyperbolic functions.
+//
+// Range plan of sinh and cosh on a = |x| (h its high word; the comparisons
+// are false for a NaN, which therefore reports):
+//   a < 1          Taylor series, fitted: cosh = 1 + t (p1 + ... + t p7),
+//                  sinh = x + x t (s0 + ... + t s6), t = x^2;
+//   a < 18.4       E = e^a/2 (_jwe_guhy), cosh = E + 0.25/E, sinh = E - 0.25/E;
+//   a < 709.782    E alone (e^-a/2 is at most 2^-53.08 of it);
+//   a < 710.475    E = g_dexp(a/2), (0.5 E) E: e^a itself would overflow;
+//   otherwise      error 224, direct form: +Inf (sinh: the sign of x) or
+//                  +-0x7FEFFFFFFFFFFFB6 with IEEE results off.
+// tanh: x + x t P(t)/Q(t) below 1, +-1 from 18.369 on, else
+// (1 - e)/(1 + e) with e = g_dexp(-2a); no report, a NaN gives a NaN.
+// The series, the combinations with 0.25/E and the quotient of tanh run in
+// x87 extended precision (64-bit precision set for the call, x87.h) and are
+// rounded once to double.
+//
+// _jwe_guhy: e^a/2 in extended precision, for a >= 1.  g_dexp's reduction
+// (k = round(256 a/ln 2), r = a - k ln2/256, |r| <= 2^-9.4) and polynomial
+// in double, but the last sum hi + (lo + q r hi) in extended: r carries an
+// absolute error below 2^-62 (one rounding of r itself, 2^-63, and of the
+// low argument part for g_dschq), the small sum three roundings of 2^-53 of
+// a term below 2^-8.4: e^a/2 within 2^-59.4 (relative).  Rounded to double
+// that is within 0.5 + 2^-6.4 ulp: it agrees with g_dexp(a)/2 to the last
+// bit wherever that is correctly rounded, and is closer where it is not.
+//
+// Accuracy of the plan (e = 2^-53; bounds, measured figures in the README):
+//   series        fits within 3.2e-17 (cosh) and 7.3e-18 (sinh) relative,
+//                 evaluated in extended: 0.5 + 0.29 ulp at most;
+//   middle range  E to 2^-59.4, 0.25/E to 2^-63, the sum or difference
+//                 (cancelling by 1.16 at most, at a = 1): 0.5 + 0.02 ulp;
+//   E alone       the dropped e^-a/2 is 2^-53.08 of the result at a = 18.4,
+//                 up to 0.94 ulp, on top of the final rounding: the design
+//                 reaches about 1.45 ulp just above 18.4 (and 0.5 + 0.02
+//                 from about 19.1 on);
+//   (0.5 E) E     E = g_dexp within 0.52 ulp, squared: up to about 1.6 ulp
+//                 in the last 0.7 before overflow.
+//   tanh          the fitted quotient within 2.1e-18; in the middle
+//                 e = g_dexp(-2a) within 0.52 ulp of e, which moves
+//                 (1 - e)/(1 + e) by at most 0.3 ulp; but from 18.369
+//                 (53 ln2 / 2) on the result is 1 while tanh is still
+//                 1 - 2^-52 there: up to 2 ulp, falling to 0.5 at 19.06.
+// These are the library's ranges and limits and are kept as they are.
+//
+// g_dsch computes both halves along the same plan, so its bits are those of
+// g_dsinh and g_dcosh, with one exponential and one report 224 for both.
+// g_dschq is the pair of x pi/2 for the quadrant forms of the complex
+// functions: x pi/2 is carried as a double-double (Dekker's product, so the
+// argument adds no error of its own), the series use it in extended
+// precision, and above 1 the pair is E +- 0.25/E with E = e^(x pi/2)/2 in
+// extended precision all the way to the overflow limit (710.475 for x pi/2):
+// within 0.5 + 2^-6 ulp everywhere.  It reports 224 once, like g_dsch.
+#include <cmath>
+
+#include "elementary/exp_kernel.h"
+#include "elementary/hyperbolic.h"
+#include "elementary/trig_reduce.h"
+#include "frame/report.h"
+#include "frame/special_values.h"
+#include "frame/x87.h"
+#include "mivor/mivor.h"
+
+namespace mivor::elementary {
+namespace {
+
+using x87::ExtendedPrecision;
+
+// g_dcosh: cosh x - 1 = t (p1 + t (p2 + ... + t p7)).
+inline constexpr double cp1 = 0.5000000000000001, cp2 = 0.041666666666663174, cp3 = 0.0013888888889177459,
+                        cp4 = 2.4801587185234638e-05, cp5 = 2.755734457704308e-07, cp6 = 2.08737088229234e-09,
+                        cp7 = 1.1660810833457919e-11;
+// g_dsinh: sinh x - x = x t (p[0] + t (p[1] + ... + t p[6])).
+inline constexpr double sp0 = 0.16666666666666669, sp1 = 0.008333333333333111, sp2 = 0.00019841269841450044,
+                        sp3 = 2.755731915254139e-06, sp4 = 2.5052123738715222e-08, sp5 = 1.6057219161670014e-10,
+                        sp6 = 7.759842042834347e-13;
+inline constexpr double emax = 0x1.62e4189374bc7p+9;  // 709.782, 0x40862E4189374BC7
+inline constexpr double xmax = 0x1.633cccccccccdp+9;  // 710.475, 0x408633CCCCCCCCCD
+inline constexpr std::uint32_t kMiddleHigh = 0x40326666u;  // |x| below about 18.4
+inline constexpr std::uint32_t kOneHigh = 0x3FF00000u;
+// g_dtanh.
+inline constexpr double tp1 = -257446.81508084596, tp2 = -18158.832069902594, tp3 = -287.60231921162375,
+                        tp4 = -0.9778922952118113;
+inline constexpr double tq0 = 772340.4452425379, tq1 = 363412.67430672294, tq2 = 21182.28078391318,
+                        tq3 = 309.67502337003697;
+inline constexpr double txmax = 0x1.25e76c8b43958p+4;  // 18.369, 0x40325E76C8B43958
+
+inline long double cosh_series(long double x) {
+    const long double t = x * x;
+    return 1.0L + t * (cp1 + t * (cp2 + t * (cp3 + t * (cp4 + t * (cp5 + t * (cp6 + t * cp7))))));
+}
+inline long double sinh_series(long double x) {
+    const long double t = x * x;
+    return x + x * t * (sp0 + t * (sp1 + t * (sp2 + t * (sp3 + t * (sp4 + t * (sp5 + t * sp6))))));
+}
+
+// e^(ah + al)/2 in extended precision, 0.5 <= ah < 710.5, |al| <= ulp(ah).
+inline long double exp_half(double ah, double al, const ExtendedPrecision& scope) {
+    using namespace exp_kernel;
+    const double s = BIG + ah * LG2;
+    const double t = s - BIG;
+    const double r = ((ah + t * LG2B) + t * LG2C) + al;
+    const double r2 = r * r;
+    const double q = (P1 + P2 * r) + (P3 + P4 * r) * r2;
+    const auto k = static_cast<std::int32_t>(trig::low32(s));
+    const auto& e = exp_e[k & 255];
+    const double small = q * (r * e.hi) + e.lo;
+    // 2^(m - 1) = 2^(m - 2) 2 with m = k >> 8 in [0, 1025]: the double
+    // 2^(m - 2) exists, and both products are exact in extended precision.
+    const double scale = double_from_bits(static_cast<std::uint64_t>((k >> 8) - 2 + 1023) << 52);
+    return ((scope.pin(e.hi) + small) * scale) * 2.0L;
+}
+
+struct Pair {
+    double sinh, cosh;
+};
+
+// sinh and/or cosh of x along the plan, for a = |x| < xmax (the caller
+// tests); the half not wanted is left 0.
+template <bool want_sinh, bool want_cosh>
+inline Pair sinh_cosh(double x) {
+    const double a = trig::magnitude(x);
+    const std::uint32_t h = high_word(a);
+    double sh = 0.0, ch = 0.0;
+    if (h < kMiddleHigh) {
+        ExtendedPrecision scope;
+        if (h < kOneHigh) {
+            const long double xl = scope.pin(x);
+            if (want_sinh) sh = static_cast<double>(scope.pin(sinh_series(xl)));
+            if (want_cosh) ch = static_cast<double>(scope.pin(cosh_series(xl)));
+            return {sh, ch};
+        }
+        const long double E = exp_half(a, 0.0, scope);
+        const long double f = 0.25L / E;
+        if (want_sinh) sh = static_cast<double>(scope.pin(E - f));
+        if (want_cosh) ch = static_cast<double>(scope.pin(E + f));
+    } else if (a < emax) {
+        ExtendedPrecision scope;
+        sh = ch = static_cast<double>(scope.pin(exp_half(a, 0.0, scope)));
+    } else {
+        const double half = a * 0.5;
+        const double E = exp_kernel::fast(half);  // g_dexp(a/2): a/2 < 355.3, its fast path
+        sh = ch = (0.5 * E) * E;
+    }
+    return {std::signbit(x) ? -sh : sh, ch};
+}
+
+// The same for (x pi/2) = yh + yl, x finite (see the top of the file).
+inline Pair sinh_cosh_quadrants(double x, bool& overflow) {
+    const double a = trig::magnitude(x);
+    double yh, yl;
+    trig::two_product(a, 0x1.921fb54442d18p+0, yh, yl);
+    yl += a * 0x1.1a62633145c07p-54;
+    overflow = !(yh < xmax);
+    if (overflow) return {0.0, 0.0};
+    if (a < 0x1p-500) {  // sinh y = y, cosh y = 1; scaled so that yl does not underflow
+        const double as = a * 0x1p+600;
+        trig::two_product(as, 0x1.921fb54442d18p+0, yh, yl);
+        const double sh = (yh + (yl + as * 0x1.1a62633145c07p-54)) * 0x1p-600;
+        return {std::signbit(x) ? -sh : sh, 1.0};
+    }
+    ExtendedPrecision scope;
+    double sh, ch;
+    if (yh < 1.0) {
+        const long double y = scope.pin(yh) + yl;
+        sh = static_cast<double>(scope.pin(sinh_series(y)));
+        ch = static_cast<double>(scope.pin(cosh_series(y)));
+    } else {
+        const long double E = exp_half(yh, yl, scope);
+        const long double f = 0.25L / E;
+        sh = static_cast<double>(scope.pin(E - f));
+        ch = static_cast<double>(scope.pin(E + f));
+    }
+    return {std::signbit(x) ? -sh : sh, ch};
+}
+
+template <bool cosine>
+double sinh_or_cosh(double x);
+
+// Overflow, infinite or NaN argument: report 224.
+template <bool cosine>
+[[gnu::cold, gnu::noinline]] double overflows(double x) {
+    return report::settle<report::Form::direct>(
+        [](double x) -> report::Step<double, double> {
+            if (trig::magnitude(x) < xmax) return sinh_or_cosh<cosine>(x);  // corrected
+            if (cosine || !std::signbit(x)) return report::fail(Error::hyperbolic_overflow_r8, _Inf_D, kHuge_D);
+            return report::fail(Error::hyperbolic_overflow_r8, _MInf_D, -kHuge_D);
+        },
+        x);
+}
+
+template <bool cosine>
+double sinh_or_cosh(double x) {
+    if (!(trig::magnitude(x) < xmax)) return overflows<cosine>(x);
+    const Pair p = sinh_cosh<!cosine, cosine>(x);
+    return cosine ? p.cosh : p.sinh;
+}
+
+// The pairs' overflow: one report for both halves.
+template <bool quadrants>
+mivor_complex8 pair_of(double x);
+
+template <bool quadrants>
+[[gnu::cold, gnu::noinline]] mivor_complex8 pair_overflows(double x) {
+    return report::settle<report::Form::direct>(
+        [](double x) -> report::Step<mivor_complex8, double> {
+            bool overflow = !(trig::magnitude(x) < xmax);
+            if constexpr (quadrants) {
+                if (trig::magnitude(x) < HUGE_VAL) sinh_cosh_quadrants(x, overflow);
+            }
+            if (!overflow) return pair_of<quadrants>(x);  // corrected
+            const bool negative = std::signbit(x);
+            return report::fail(Error::hyperbolic_overflow_r8,
+                                mivor_complex8{negative ? _MInf_D : _Inf_D, _Inf_D},
+                                mivor_complex8{negative ? -kHuge_D : kHuge_D, kHuge_D});
+        },
+        x);
+}
+
+template <bool quadrants>
+mivor_complex8 pair_of(double x) {
+    if constexpr (quadrants) {
+        bool overflow = true;
+        if (trig::magnitude(x) < HUGE_VAL) {
+            const Pair p = sinh_cosh_quadrants(x, overflow);
+            if (!overflow) return {p.sinh, p.cosh};
+        }
+    } else {
+        if (trig::magnitude(x) < xmax) {
+            const Pair p = sinh_cosh<true, true>(x);
+            return {p.sinh, p.cosh};
+        }
+    }
+    return pair_overflows<quadrants>(x);
+}
+
+double tanh_of(double x) {
+    const double a = trig::magnitude(x);
+    if (a >= txmax) return std::signbit(x) ? -1.0 : 1.0;
+    ExtendedPrecision scope;
+    if (a < 1.0) {
+        const long double xl = scope.pin(x);
+        const long double t = xl * xl;
+        const long double p = ((tp4 * t + tp3) * t + tp2) * t + tp1;
+        const long double q = (((t + tq3) * t + tq2) * t + tq1) * t + tq0;
+        const double r = static_cast<double>(scope.pin(xl + (xl * t) * (p / q)));
+        return r;
+    }
+    const double m2a = -2.0 * a;
+    const long double e = scope.pin(exp_kernel::fast(m2a));  // g_dexp(-2a): -2a > -36.8, its fast path
+    const double r = static_cast<double>(scope.pin((1.0L - e) / (1.0L + e)));
+    return std::signbit(x) ? -r : r;
+}
+
+}  // namespace
+}  // namespace mivor::elementary
+
+using namespace mivor::elementary;
+
+extern "C" long double _jwe_guhy(const double* arg) {
+    ExtendedPrecision scope;
+    return scope.pin(exp_half(*arg, 0.0, scope));
+}
+
+extern "C" double g_dsinh(const double* arg) { return sinh_or_cosh<false>(*arg); }
+extern "C" double g_dcosh(const double* arg) { return sinh_or_cosh<true>(*arg); }
+extern "C" double g_dtanh(const double* arg) { return tanh_of(*arg); }
+
+extern "C" mivor_complex8* g_dsch(mivor_complex8* result, const double* arg) {
+    *result = pair_of<false>(*arg);
+    return result;
+}
+extern "C" mivor_complex8* g_dschq(mivor_complex8* result, const double* arg) {
+    *result = pair_of<true>(*arg);
+    return result;
+}
