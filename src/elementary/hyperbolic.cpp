@@ -16,23 +16,22 @@
 // x87 extended precision (64-bit precision set for the call, x87.h) and are
 // rounded once to double.
 //
-// _jwe_guhy: e^a/2 in extended precision, for a >= 1.  g_dexp's reduction
-// (k = round(256 a/ln 2), r = a - k ln2/256, |r| <= 2^-9.4) and polynomial
-// in double, but the last sum hi + (lo + q r hi) in extended: r carries an
-// absolute error below 2^-62 (one rounding of r itself, 2^-63, and of the
-// low argument part for g_dschq), the small sum three roundings of 2^-53 of
-// a term below 2^-8.4: e^a/2 within 2^-59.4 (relative).  Rounded to double
-// that is within 0.5 + 2^-6.4 ulp: it agrees with g_dexp(a)/2 to the last
-// bit wherever that is correctly rounded, and is closer where it is not.
+// _jwe_guhy: e^a/2 in extended precision, for a >= 1: g_dexp's reduction
+// (k = round(256 a/ln 2), r = a - k ln2/256, |r| <= 2^-9.4) and table, with
+// r and everything after it in extended precision: within 2^-63 of e^a/2
+// (see exp_half).  Rounded to double that is within 0.5 + 2^-10 ulp: the
+// same bits as g_dexp(a)/2 wherever that is correctly rounded, except
+// within 2^-10 ulp of a half-way point, and correctly rounded where g_dexp
+// is not (tests/elementary/guhy_test.cpp).
 //
 // Accuracy of the plan (e = 2^-53; bounds, measured figures in the README):
 //   series        fits within 3.2e-17 (cosh) and 7.3e-18 (sinh) relative,
 //                 evaluated in extended: 0.5 + 0.29 ulp at most;
-//   middle range  E to 2^-59.4, 0.25/E to 2^-63, the sum or difference
-//                 (cancelling by 1.16 at most, at a = 1): 0.5 + 0.02 ulp;
+//   middle range  E to 2^-63, 0.25/E to 2^-63, the sum or difference
+//                 (cancelling by 1.16 at most, at a = 1): 0.5 + 0.005 ulp;
 //   E alone       the dropped e^-a/2 is 2^-53.08 of the result at a = 18.4,
 //                 up to 0.94 ulp, on top of the final rounding: the design
-//                 reaches about 1.45 ulp just above 18.4 (and 0.5 + 0.02
+//                 reaches about 1.45 ulp just above 18.4 (and 0.5 + 0.005
 //                 from about 19.1 on);
 //   (0.5 E) E     E = g_dexp within 0.52 ulp, squared: up to about 1.6 ulp
 //                 in the last 0.7 before overflow.
@@ -50,7 +49,7 @@
 // argument adds no error of its own), the series use it in extended
 // precision, and above 1 the pair is E +- 0.25/E with E = e^(x pi/2)/2 in
 // extended precision all the way to the overflow limit (710.475 for x pi/2):
-// within 0.5 + 2^-6 ulp everywhere.  It reports 224 once, like g_dsch.
+// within 0.5 + 2^-9 ulp everywhere.  It reports 224 once, like g_dsch.
 #include <cmath>
 
 #include "elementary/exp_kernel.h"
@@ -95,20 +94,31 @@ inline long double sinh_series(long double x) {
 }
 
 // e^(ah + al)/2 in extended precision, 0.5 <= ah < 710.5, |al| <= ulp(ah).
+// The reduction and table of g_dexp: k = round(256 ah/ln 2), t = k/256,
+// ah + t LG2B exact in double (as in g_dexp), and everything after it in
+// extended precision: r = (ah + t LG2B) + t LG2C + al within 2^-72 (t LG2C
+// rounded in double, |t LG2C| < 2^-19), |r| <= 2^-9.4.  e^r - 1 by its
+// Taylor polynomial to r^6/720 (the next term is below 2^-78; g_dexp's
+// fitted degree-4 polynomial, good to 2^-58.5, would be the largest error
+// here), 1/6 ... 1/720 rounded to 64 bits, and hi + (lo + hi (e^r - 1)):
+// every step within 2^-64 of its size, the sum within 2^-63 of
+// e^(ah + al)/2.
+inline constexpr long double kSixth = 0xaaaaaaaaaaaaaaabp-66L, kTwentyFourth = 0xaaaaaaaaaaaaaaabp-68L,
+                             k120th = 0x8888888888888889p-70L, k720th = 0xb60b60b60b60b60bp-73L;
+
 inline long double exp_half(double ah, double al, const ExtendedPrecision& scope) {
     using namespace exp_kernel;
     const double s = BIG + ah * LG2;
     const double t = s - BIG;
-    const double r = ((ah + t * LG2B) + t * LG2C) + al;
-    const double r2 = r * r;
-    const double q = (P1 + P2 * r) + (P3 + P4 * r) * r2;
+    const long double r = (scope.pin(ah + t * LG2B) + t * LG2C) + al;
+    const long double r2 = r * r;
+    const long double em1 = r + r2 * ((0.5L + r * kSixth) + r2 * (kTwentyFourth + r * (k120th + r * k720th)));
     const auto k = static_cast<std::int32_t>(trig::low32(s));
     const auto& e = exp_e[k & 255];
-    const double small = q * (r * e.hi) + e.lo;
     // 2^(m - 1) = 2^(m - 2) 2 with m = k >> 8 in [0, 1025]: the double
     // 2^(m - 2) exists, and both products are exact in extended precision.
     const double scale = double_from_bits(static_cast<std::uint64_t>((k >> 8) - 2 + 1023) << 52);
-    return ((scope.pin(e.hi) + small) * scale) * 2.0L;
+    return ((e.hi + (e.lo + em1 * e.hi)) * scale) * 2.0L;
 }
 
 struct Pair {
@@ -238,13 +248,13 @@ double tanh_of(double x) {
     const double a = trig::magnitude(x);
     if (a >= txmax) return std::signbit(x) ? -1.0 : 1.0;
     ExtendedPrecision scope;
-    if (a < 1.0) {
-        const long double xl = scope.pin(x);
-        const long double t = xl * xl;
+    if (a < 1.0) {  // on |x|, the sign put back after: tanh(-0) = -0
+        const long double al = scope.pin(a);
+        const long double t = al * al;
         const long double p = ((tp4 * t + tp3) * t + tp2) * t + tp1;
         const long double q = (((t + tq3) * t + tq2) * t + tq1) * t + tq0;
-        const double r = static_cast<double>(scope.pin(xl + (xl * t) * (p / q)));
-        return r;
+        const double r = static_cast<double>(scope.pin(al + (al * t) * (p / q)));
+        return std::signbit(x) ? -r : r;
     }
     const double m2a = -2.0 * a;
     const long double e = scope.pin(exp_kernel::fast(m2a));  // g_dexp(-2a): -2a > -36.8, its fast path

@@ -129,11 +129,12 @@ mivor_complex4 pair_of(float x) {
 float tanh_of(float x) {
     const double xd = x;
     const double a = trig::magnitude(xd);
-    if (a < 1.0) {
-        const double t = xd * xd;
+    if (a < 1.0) {  // on |x|, the sign put back after: tanh(-0) = -0
+        const double t = a * a;
         const double p = ((tp4 * t + tp3) * t + tp2) * t + tp1;
         const double q = (((t + tq3) * t + tq2) * t + tq1) * t + tq0;
-        return static_cast<float>(xd + (xd * t) * (p / q));
+        const double r = a + (a * t) * (p / q);
+        return static_cast<float>(std::signbit(x) ? -r : r);
     }
     if (a >= kTanhOne) return std::signbit(x) ? -1.0f : 1.0f;
     const double e = exp_kernel::fast(-2.0 * a);  // NaN: a NaN

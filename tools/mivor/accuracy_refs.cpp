@@ -197,6 +197,12 @@ constexpr Range kSinhHard4[] = {
     {"near overflow", Spread::Bits, 85.0, kCoshMax4},
     {"tiny", Spread::LogUniform, 0x1p-30, 0x1p-10, true},
 };
+constexpr Range kSinhQuadrantHard8[] = {  // of x pi/2: 1, 18.4 and the overflow end over pi/2
+    {"near 2/pi", Spread::Bits, 0.6, 0.7},
+    {"near 11.7", Spread::Bits, 11.4, 12.5},
+    {"near overflow", Spread::Bits, 445.0, 452.3},
+    {"tiny", Spread::LogUniform, 0x1p-60, 0x1p-20, true},
+};
 constexpr Range kTanhHard8[] = {
     {"near 1", Spread::Bits, 0.9, 1.1},
     {"near 18.37", Spread::Bits, 17.5, 20.0},
@@ -391,8 +397,8 @@ constexpr Reference kReferences[] = {
     {"g_dsch", mpfr_cosh, "r8", -kCoshMax8, kCoshMax8, kSinhHard8, nullptr, 0, nullptr, 1, "cosh"},
     {"g_scnh", mpfr_sinh, "r4", -kCoshMax4, kCoshMax4, kSinhHard4, nullptr, 0, nullptr, 0, "sinh"},
     {"g_scnh", mpfr_cosh, "r4", -kCoshMax4, kCoshMax4, kSinhHard4, nullptr, 0, nullptr, 1, "cosh"},
-    {"g_dschq", of_quadrants<mpfr_sinh>, "r8", -452.3, 452.3, kSinhHard8, nullptr, 0, nullptr, 0, "sinh(x pi/2)"},
-    {"g_dschq", of_quadrants<mpfr_cosh>, "r8", -452.3, 452.3, kSinhHard8, nullptr, 0, nullptr, 1, "cosh(x pi/2)"},
+    {"g_dschq", of_quadrants<mpfr_sinh>, "r8", -452.3, 452.3, kSinhQuadrantHard8, nullptr, 0, nullptr, 0, "sinh(x pi/2)"},
+    {"g_dschq", of_quadrants<mpfr_cosh>, "r8", -452.3, 452.3, kSinhQuadrantHard8, nullptr, 0, nullptr, 1, "cosh(x pi/2)"},
     {"g_scnhq", of_quadrants<mpfr_sinh>, "r4", -56.9, 56.9, kSinhHard4, nullptr, 0, nullptr, 0, "sinh(x pi/2)"},
     {"g_scnhq", of_quadrants<mpfr_cosh>, "r4", -56.9, 56.9, kSinhHard4, nullptr, 0, nullptr, 1, "cosh(x pi/2)"},
 };
