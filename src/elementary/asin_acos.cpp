@@ -101,7 +101,7 @@ template <const Unit& u, bool cosine>
 double inverse_of(double x) {
     if (__builtin_fabs(x) > 1.0) return out_of_domain<u, cosine>(x);
     x87::ExtendedPrecision scope;
-    const double r = static_cast<double>(scope.pin(kernel<u, cosine>(x, scope)));
+    const double r = scope.to_double(kernel<u, cosine>(x, scope));
     return r;
 }
 

@@ -53,7 +53,7 @@ inline double angle(double y, double x) {
     ExtendedPrecision scope;
     long double v = x87::fpatan(scope.pin(y + 0.0), scope.pin(x + 0.0));  // -0 counts as +0
     if constexpr (!u.radians) v *= u.per_radian;
-    const double r = static_cast<double>(scope.pin(v));
+    const double r = scope.to_double(v);
     return r;
 }
 
@@ -77,7 +77,7 @@ inline double atan2_in(const double* py, const double* px) {
 template <const Unit& u>
 inline double atan_in(const double* arg) {
     ExtendedPrecision scope;
-    const double r = static_cast<double>(scope.pin(x87::fpatan(scope.pin(*arg), 1.0L) * u.per_radian));
+    const double r = scope.to_double(x87::fpatan(scope.pin(*arg), 1.0L) * u.per_radian);
     return r;
 }
 
@@ -93,7 +93,7 @@ extern "C" long double g_datan(const double* arg) {
 
 extern "C" float g_atan(const float* arg) {
     ExtendedPrecision scope;
-    const float r = static_cast<float>(scope.pin(mivor::x87::fpatan(scope.pin(*arg), 1.0L)));
+    const float r = scope.to_float(mivor::x87::fpatan(scope.pin(*arg), 1.0L));
     return r;
 }
 

@@ -93,33 +93,51 @@ inline long double sinh_series(long double x) {
     return x + x * t * (sp0 + t * (sp1 + t * (sp2 + t * (sp3 + t * (sp4 + t * (sp5 + t * sp6))))));
 }
 
-// e^(ah + al)/2 in extended precision, 0.5 <= ah < 710.5, |al| <= ulp(ah).
-// The reduction and table of g_dexp: k = round(256 ah/ln 2), t = k/256,
-// ah + t LG2B exact in double (as in g_dexp), and everything after it in
-// extended precision: r = (ah + t LG2B) + t LG2C + al within 2^-72 (t LG2C
-// rounded in double, |t LG2C| < 2^-19), |r| <= 2^-9.4.  e^r - 1 by its
-// Taylor polynomial to r^6/720 (the next term is below 2^-78; g_dexp's
-// fitted degree-4 polynomial, good to 2^-58.5, would be the largest error
-// here), 1/6 ... 1/720 rounded to 64 bits, and hi + (lo + hi (e^r - 1)):
-// every step within 2^-64 of its size, the sum within 2^-63 of
-// e^(ah + al)/2.
-inline constexpr long double kSixth = 0xaaaaaaaaaaaaaaabp-66L, kTwentyFourth = 0xaaaaaaaaaaaaaaabp-68L,
-                             k120th = 0x8888888888888889p-70L, k720th = 0xb60b60b60b60b60bp-73L;
+// e^(ah + al)/2 = (hi + lo) 2^e as a double and a tail, 0.5 <= ah < 710.5,
+// |al| <= ulp(ah), in SSE2 double (the x87 unit is three to five times
+// slower here for the same steps).  The reduction and table of g_dexp:
+// k = round(256 ah/ln 2), t = k/256, u = ah + t LG2B exact (as in g_dexp),
+// r = rh + rl = u + (t LG2C + al) (|t LG2C| < 2^-19 and |al| < 2^-43 rounded
+// together): r within 2^-72, and |rl| <= ulp(rh)/2 <= 2^-63.  e^r - 1 = rh + c, c = rl + rh^2 (1/2 + rh/6 + ... +
+// rh^4/720), the Taylor polynomial (the next term is below 2^-78 and c
+// within 2^-72; g_dexp's fitted degree-4 polynomial, good to 2^-58.5, would
+// be the largest error here).  With 2^(j/256) = H + L from the table:
+//   (H + L)(1 + rh + c) = H + H rh + (H c + L + L rh)  (+ L c < 2^-72),
+// H + H rh summed exactly (Fast2Sum, |H| >= |H rh|) and the rest, below
+// 2^-19.8, rounded once.  H rh rounds to 2^-62.4 unless `exact_product`
+// asks for Dekker's product; then hi + lo is within 2^-70 of the value.
+struct HalfExp {
+    double hi, lo;  // hi + lo in [0.99, 2.02), lo below 2^-19.8 hi
+    int e;          // the power of two, m - 1 = (k >> 8) - 1
+};
 
-inline long double exp_half(double ah, double al, const ExtendedPrecision& scope) {
+inline constexpr double kSixth = 1.0 / 6, kTwentyFourth = 1.0 / 24, k120th = 1.0 / 120, k720th = 1.0 / 720;
+
+template <bool exact_product>
+inline HalfExp exp_half(double ah, double al) {
     using namespace exp_kernel;
     const double s = BIG + ah * LG2;
     const double t = s - BIG;
-    const long double r = (scope.pin(ah + t * LG2B) + t * LG2C) + al;
-    const long double r2 = r * r;
-    const long double em1 = r + r2 * ((0.5L + r * kSixth) + r2 * (kTwentyFourth + r * (k120th + r * k720th)));
+    // rh + rl = u + v, |rl| <= 2^-63 (so rl rh is negligible) by Fast2Sum,
+    // exact when u is the larger; otherwise both are below 2^-18 and rl is
+    // still within 2^-72.
+    const double u = ah + t * LG2B, v = t * LG2C + al;
+    const double rh = u + v;
+    const double rl = (u - rh) + v;
+    const double r2 = rh * rh;
+    const double c = rl + r2 * ((0.5 + rh * kSixth) + r2 * (kTwentyFourth + rh * (k120th + rh * k720th)));
     const auto k = static_cast<std::int32_t>(trig::low32(s));
     const auto& e = exp_e[k & 255];
-    // 2^(m - 1) = 2^(m - 2) 2 with m = k >> 8 in [0, 1025]: the double
-    // 2^(m - 2) exists, and both products are exact in extended precision.
-    const double scale = double_from_bits(static_cast<std::uint64_t>((k >> 8) - 2 + 1023) << 52);
-    return ((e.hi + (e.lo + em1 * e.hi)) * scale) * 2.0L;
+    double p, pe = 0.0;
+    if constexpr (exact_product) trig::two_product(e.hi, rh, p, pe);
+    else p = e.hi * rh;
+    const double hi = e.hi + p;
+    const double lo = ((e.hi - hi) + p) + (pe + ((e.hi * c + e.lo) + e.lo * rh));
+    return {hi, lo, (k >> 8) - 1};
 }
+
+// 2^n as a double, -1022 <= n <= 1023.
+inline double power_of_two(int n) { return double_from_bits(static_cast<std::uint64_t>(n + 1023) << 52); }
 
 struct Pair {
     double sinh, cosh;
@@ -132,21 +150,27 @@ inline Pair sinh_cosh(double x) {
     const double a = trig::magnitude(x);
     const std::uint32_t h = high_word(a);
     double sh = 0.0, ch = 0.0;
+    if (h < kOneHigh) {
+        ExtendedPrecision scope;
+        const long double xl = scope.pin(x);
+        if (want_sinh) sh = scope.to_double(sinh_series(xl));
+        if (want_cosh) ch = scope.to_double(cosh_series(xl));
+        return {sh, ch};
+    }
     if (h < kMiddleHigh) {
-        ExtendedPrecision scope;
-        if (h < kOneHigh) {
-            const long double xl = scope.pin(x);
-            if (want_sinh) sh = static_cast<double>(scope.pin(sinh_series(xl)));
-            if (want_cosh) ch = static_cast<double>(scope.pin(cosh_series(xl)));
-            return {sh, ch};
-        }
-        const long double E = exp_half(a, 0.0, scope);
-        const long double f = 0.25L / E;
-        if (want_sinh) sh = static_cast<double>(scope.pin(E - f));
-        if (want_cosh) ch = static_cast<double>(scope.pin(E + f));
+        // E = e^a/2 = eh + el, both scaled exactly (a < 18.4), f = 0.25/E
+        // rounded (below 0.14 E, so its 2^-53 is below 0.07 ulp of the
+        // result), one final rounding: within 0.5 + 0.1 ulp, the difference
+        // of sinh cancelling by 1.16 at most (at a = 1).
+        const HalfExp E = exp_half<false>(a, 0.0);
+        const double scale = power_of_two(E.e);
+        const double eh = E.hi * scale, el = E.lo * scale;
+        const double f = 0.25 / (eh + el);
+        if (want_sinh) sh = eh + (el - f);
+        if (want_cosh) ch = eh + (el + f);
     } else if (a < emax) {
-        ExtendedPrecision scope;
-        sh = ch = static_cast<double>(scope.pin(exp_half(a, 0.0, scope)));
+        const HalfExp E = exp_half<false>(a, 0.0);
+        sh = ch = (E.hi + E.lo) * power_of_two(E.e);  // m - 1 <= 1023: exact
     } else {
         const double half = a * 0.5;
         const double E = exp_kernel::fast(half);  // g_dexp(a/2): a/2 < 355.3, its fast path
@@ -169,17 +193,21 @@ inline Pair sinh_cosh_quadrants(double x, bool& overflow) {
         const double sh = (yh + (yl + as * 0x1.1a62633145c07p-54)) * 0x1p-600;
         return {std::signbit(x) ? -sh : sh, 1.0};
     }
-    ExtendedPrecision scope;
     double sh, ch;
     if (yh < 1.0) {
+        ExtendedPrecision scope;
         const long double y = scope.pin(yh) + yl;
-        sh = static_cast<double>(scope.pin(sinh_series(y)));
-        ch = static_cast<double>(scope.pin(cosh_series(y)));
+        sh = scope.to_double(sinh_series(y));
+        ch = scope.to_double(cosh_series(y));
     } else {
-        const long double E = exp_half(yh, yl, scope);
-        const long double f = 0.25L / E;
-        sh = static_cast<double>(scope.pin(E - f));
-        ch = static_cast<double>(scope.pin(E + f));
+        // As in the middle range of sinh_cosh, up to the overflow limit: the
+        // scale 2^(m-1) may be 2^1024 there, so it is applied in two halves.
+        const HalfExp E = exp_half<false>(yh, yl);
+        const double scale = power_of_two(E.e / 2), rest = power_of_two(E.e - E.e / 2);
+        const double eh = E.hi * scale, el = E.lo * scale;
+        const double f = (0.25 / (eh + el)) / rest / rest;  // 0.25/E, divided by rest once more
+        sh = (eh + (el - f)) * rest;
+        ch = (eh + (el + f)) * rest;
     }
     return {std::signbit(x) ? -sh : sh, ch};
 }
@@ -253,12 +281,12 @@ double tanh_of(double x) {
         const long double t = al * al;
         const long double p = ((tp4 * t + tp3) * t + tp2) * t + tp1;
         const long double q = (((t + tq3) * t + tq2) * t + tq1) * t + tq0;
-        const double r = static_cast<double>(scope.pin(al + (al * t) * (p / q)));
+        const double r = scope.to_double(al + (al * t) * (p / q));
         return std::signbit(x) ? -r : r;
     }
     const double m2a = -2.0 * a;
     const long double e = scope.pin(exp_kernel::fast(m2a));  // g_dexp(-2a): -2a > -36.8, its fast path
-    const double r = static_cast<double>(scope.pin((1.0L - e) / (1.0L + e)));
+    const double r = scope.to_double((1.0L - e) / (1.0L + e));
     return std::signbit(x) ? -r : r;
 }
 
@@ -268,8 +296,11 @@ double tanh_of(double x) {
 using namespace mivor::elementary;
 
 extern "C" long double _jwe_guhy(const double* arg) {
+    const HalfExp E = exp_half<true>(*arg, 0.0);
     ExtendedPrecision scope;
-    return scope.pin(exp_half(*arg, 0.0, scope));
+    // (hi + lo) rounded to 64 bits, then 2^e in two exact steps (e <= 1024).
+    const long double v = scope.pin(E.hi) + E.lo;
+    return scope.pin((v * power_of_two(E.e / 2)) * power_of_two(E.e - E.e / 2));
 }
 
 extern "C" double g_dsinh(const double* arg) { return sinh_or_cosh<false>(*arg); }

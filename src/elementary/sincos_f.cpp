@@ -151,9 +151,14 @@ extern "C" MIVOR_DISPATCHED mivor_complex4* g_scns(mivor_complex4* result, const
     }
     const SinCos rc = reduce(a);
     const double s = sin_poly(rc.r), c = cos_poly(rc.r);
+    // Chosen by masks: random quadrants would mispredict a branch.
     const std::uint32_t n = rc.k;
+    const __m128d odd = _mm_castsi128_pd(_mm_set1_epi32(-static_cast<std::int32_t>(n & 1)));
+    const __m128d sv = _mm_set_sd(s), cv = _mm_set_sd(c);
+    const __m128d first = _mm_or_pd(_mm_and_pd(odd, cv), _mm_andnot_pd(odd, sv));
+    const __m128d second = _mm_or_pd(_mm_and_pd(odd, sv), _mm_andnot_pd(odd, cv));
     const __m128d sign = _mm_xor_pd(_mm_load_sd(&kQuadrantSign[n & 3]), trig::sign_of(xd));
-    result->re = with_sign((n & 1) ? c : s, sign);
-    result->im = with_sign((n & 1) ? s : c, _mm_load_sd(&kQuadrantSign[(n + 1) & 3]));
+    result->re = static_cast<float>(_mm_cvtsd_f64(_mm_xor_pd(first, sign)));
+    result->im = static_cast<float>(_mm_cvtsd_f64(_mm_xor_pd(second, _mm_load_sd(&kQuadrantSign[(n + 1) & 3]))));
     return result;
 }

@@ -89,13 +89,6 @@ inline double cos_quadrants(double r) {
     return 1.0 + t * (b1 + t * (b2 + t * (b3 + t * (b4 + t * (b5 + t * (b6 + t * b7))))));
 }
 
-// [sin, cos, -sin, -cos] by n mod 4, from both series: computing the two
-// side by side costs less than a mispredicted choice between them.
-inline double by_quadrant(std::uint32_t n, double s, double c) {
-    const double v = (n & 1) ? c : s;
-    return (n & 2) ? -v : v;
-}
-
 // Degrees.
 template <bool cosine>
 double sin_cos_degrees(double x);
@@ -114,7 +107,7 @@ template <bool cosine>
 double sin_cos_degrees(double x) {
     if (units::degrees_refused(x)) return refuse_degrees<cosine>(x);
     const Reduced rd = units::reduce_degrees(x);
-    return by_quadrant(rd.k + (cosine ? 1 : 0), sin_degrees(rd.r), cos_degrees(rd.r));
+    return units::by_quadrant(rd.k + (cosine ? 1 : 0), sin_degrees(rd.r), cos_degrees(rd.r));
 }
 
 // Quadrants.  An infinity gives the quiet NaN, a NaN itself.
@@ -125,7 +118,7 @@ double sin_cos_quadrants(double u) {
     const double a = trig::magnitude(u);
     if (!(a < HUGE_VAL)) return not_finite(u);
     const Reduced rd = units::reduce_quadrants(a);
-    const double v = by_quadrant(rd.k + (cosine ? 1 : 0), sin_quadrants(rd.r), cos_quadrants(rd.r));
+    const double v = units::by_quadrant(rd.k + (cosine ? 1 : 0), sin_quadrants(rd.r), cos_quadrants(rd.r));
     if constexpr (cosine) return v;
     return trig::flip_by(v, trig::sign_of(u));
 }
@@ -165,7 +158,7 @@ extern "C" MIVOR_DISPATCHED mivor_complex8* g_dscnq(mivor_complex8* result, cons
     }
     const units::Reduced rd = units::reduce_quadrants(a);
     const double s = sin_quadrants(rd.r), c = cos_quadrants(rd.r);
-    result->re = trig::flip_by(by_quadrant(rd.k, s, c), trig::sign_of(u));
-    result->im = by_quadrant(rd.k + 1, s, c);
+    result->re = trig::flip_by(units::by_quadrant(rd.k, s, c), trig::sign_of(u));
+    result->im = units::by_quadrant(rd.k + 1, s, c);
     return result;
 }

@@ -7,6 +7,8 @@
 // cos 1 of the series), and only k mod 4 is kept.
 #pragma once
 
+#include <emmintrin.h>
+
 #include <cstdint>
 
 #include "elementary/trig_reduce.h"
@@ -84,6 +86,17 @@ inline Reduced reduce_quadrants(double a) {
     if (a < 2.0 * kTwo52) return {0.0, low & 3u};      // a = significand
     if (a < 4.0 * kTwo52) return {0.0, (low & 1u) << 1};  // a = 2 significand
     return {0.0, 0};                                     // a multiple of 4
+}
+
+// [s, c, -s, -c][n mod 4] (sin, cos and their negations by the quadrant),
+// without a branch on n: random quadrants would mispredict one half of the
+// time, which costs more than computing both values.  The negation flips
+// the sign bit, so the zeros of quadrants 2 and 3 are -0.
+inline double by_quadrant(std::uint32_t n, double s, double c) {
+    const __m128d odd = _mm_castsi128_pd(_mm_set1_epi32(-static_cast<std::int32_t>(n & 1)));
+    const __m128d v = _mm_or_pd(_mm_and_pd(odd, _mm_set_sd(c)), _mm_andnot_pd(odd, _mm_set_sd(s)));
+    const __m128d sign = _mm_castsi128_pd(_mm_slli_epi64(_mm_cvtsi32_si128(static_cast<int>((n >> 1) & 1)), 63));
+    return _mm_cvtsd_f64(_mm_xor_pd(v, sign));
 }
 
 // The refusal test of the degree forms: |x| at or above 2.0299994561825997e17,

@@ -60,10 +60,6 @@ inline Reduced reduce(double x) {
     return units::reduce_quadrants(trig::magnitude(x));
 }
 
-inline double by_quadrant(std::uint32_t n, double s, double c) {
-    const double v = (n & 1) ? c : s;
-    return (n & 2) ? -v : v;
-}
 
 // The odd functions of the quadrant forms take the sign of the argument last.
 template <const Unit& u>
@@ -96,7 +92,7 @@ float sin_cos(float x) {
     }
     const Reduced rd = reduce<u>(xd);
     const double r = rd.r * u.radians;
-    const double v = by_quadrant(rd.k + (cosine ? 1 : 0), sin_poly(r), cos_poly(r));
+    const double v = units::by_quadrant(rd.k + (cosine ? 1 : 0), sin_poly(r), cos_poly(r));
     if constexpr (cosine) return static_cast<float>(v);
     return static_cast<float>(signed_like<u>(v, xd));
 }
@@ -168,7 +164,7 @@ extern "C" MIVOR_DISPATCHED mivor_complex4* g_scnsq(mivor_complex4* result, cons
     const Reduced rd = reduce<kQuadrants>(xd);
     const double r = rd.r * kQuadrants.radians;
     const double s = sin_poly(r), c = cos_poly(r);
-    result->re = static_cast<float>(signed_like<kQuadrants>(by_quadrant(rd.k, s, c), xd));
-    result->im = static_cast<float>(by_quadrant(rd.k + 1, s, c));
+    result->re = static_cast<float>(signed_like<kQuadrants>(units::by_quadrant(rd.k, s, c), xd));
+    result->im = static_cast<float>(units::by_quadrant(rd.k + 1, s, c));
     return result;
 }

@@ -33,6 +33,20 @@ public:
         return v;
     }
 
+    // v rounded to double or float within the scope: the conversion is a
+    // store that the rounding control affects, and it must not drift past
+    // the restoring of the caller's control word.
+    static double to_double(long double v) {
+        double d = static_cast<double>(pin(v));
+        __asm__ __volatile__("" : "+m"(d));
+        return d;
+    }
+    static float to_float(long double v) {
+        float f = static_cast<float>(pin(v));
+        __asm__ __volatile__("" : "+m"(f));
+        return f;
+    }
+
 private:
     static constexpr std::uint16_t kPrecisionAndRounding = 0x0F00;  // PC bits 8-9, RC bits 10-11
     static constexpr std::uint16_t kExtendedNearest = 0x0300;       // PC = 64 bits, RC = nearest

@@ -311,4 +311,39 @@ TEST(Inverse, Atan2OfZeros) {
     EXPECT_EQ(call(g_dtan2q, -1.0, -0.0), -1.0);
 }
 
+// The x87 paths set their own precision and rounding: a caller running at
+// 53-bit precision and rounding down (as some Windows programs do) gets the
+// same bits.
+TEST(Inverse, IndependentOfCallersX87ControlWord) {
+    const double xs[] = {0.3, -0.6, 0.71, 0.999, -1.0, 1e-3};
+    // Only calls between the control-word changes; the comparison after.
+    auto run = [&](std::vector<double>& out, std::vector<long double>& ext, std::vector<float>& single) {
+        for (double x : xs) {
+            for (Fn8 f : kAsinAcos8) out.push_back(call(f, x));
+            out.push_back(call(g_dtan2d, x, 0.5));
+            out.push_back(call(g_dsinh, x * 3));
+            out.push_back(call(g_dtanh, x));
+            ext.push_back(g_datan(&x));
+            single.push_back(call(g_atan, static_cast<float>(x)));
+            single.push_back(call(g_sqrt, static_cast<float>(x + 2)));
+            single.push_back(call(g_cbrt, static_cast<float>(x)));
+        }
+    };
+    std::vector<double> expected, got;
+    std::vector<long double> expected_ext, got_ext;
+    std::vector<float> expected_f, got_f;
+    run(expected, expected_ext, expected_f);
+    std::uint16_t saved, changed, after;
+    __asm__ __volatile__("fnstcw %0" : "=m"(saved));
+    changed = static_cast<std::uint16_t>((saved & ~0x0F00u) | 0x0200u | 0x0400u);  // 53 bits, toward -Inf
+    __asm__ __volatile__("fldcw %0" : : "m"(changed));
+    run(got, got_ext, got_f);
+    __asm__ __volatile__("fnstcw %0" : "=m"(after));
+    __asm__ __volatile__("fldcw %0" : : "m"(saved));
+    EXPECT_EQ(after, changed);  // the caller's control word comes back
+    for (std::size_t i = 0; i < got.size(); ++i) EXPECT_EQ(bits(got[i]), bits(expected[i])) << i;
+    for (std::size_t i = 0; i < got_ext.size(); ++i) EXPECT_TRUE(got_ext[i] == expected_ext[i]) << i;
+    for (std::size_t i = 0; i < got_f.size(); ++i) EXPECT_EQ(bits(got_f[i]), bits(expected_f[i])) << i;
+}
+
 }  // namespace

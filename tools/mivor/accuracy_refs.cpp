@@ -298,6 +298,27 @@ long double fast_sin_cos_u(long double x, bool cosine) {
 template <int unit>
 long double fast_sin_u(long double x) { return fast_sin_cos_u<unit>(x, false); }
 template <int unit>
+long double fast_tan_u(long double x) {
+    const long double s = fast_sin_cos_u<unit>(x, false), c = fast_sin_cos_u<unit>(x, true);
+    return c == 0 ? HUGE_VALL : s / c;  // a pole: +Inf, as the library's fallback
+}
+template <int unit>
+long double fast_cot_u(long double x) {
+    const long double s = fast_sin_cos_u<unit>(x, false), c = fast_sin_cos_u<unit>(x, true);
+    return s == 0 ? HUGE_VALL : c / s;
+}
+// The inverse forms: the platform's double function (2^-52) times the unit.
+constexpr long double kDegPerRad = 0xe52ee0d31e0fbdc3p-58L, kQuadPerRad = 0xa2f9836e4e44152ap-64L;
+template <int unit>
+long double fast_asin_u(long double x) { return std::asin(static_cast<double>(x)) * (unit == 90 ? kDegPerRad : kQuadPerRad); }
+template <int unit>
+long double fast_acos_u(long double x) { return std::acos(static_cast<double>(x)) * (unit == 90 ? kDegPerRad : kQuadPerRad); }
+template <int unit>
+long double fast_atan_u(long double x) { return std::atan(static_cast<double>(x)) * (unit == 90 ? kDegPerRad : kQuadPerRad); }
+// sinh, cosh of x pi/2 in long double.
+long double fast_sinh_q(long double x) { return std::sinh(x * 0xc90fdaa22168c235p-63L); }
+long double fast_cosh_q(long double x) { return std::cosh(x * 0xc90fdaa22168c235p-63L); }
+template <int unit>
 long double fast_cos_u(long double x) { return fast_sin_cos_u<unit>(x, true); }
 
 // ---- the rows ----------------------------------------------------------
@@ -348,13 +369,13 @@ constexpr Reference kReferences[] = {
     {"g_dacosq", acos_u<4>, "r8", -1.0, 1.0, kAsinHard8},
     {"g_datanq", atan_u<4>, "r8", -kDmax, kDmax, kAtanHard8},
     {"g_dtan2q", nullptr, "r8", -kDmax, kDmax, kAtan2Hard, nullptr, 0, atan2_u<4>},
-    {"g_asind", asin_u<360>, "r4", -1.0, 1.0, kAsinHard4},
-    {"g_acosd", acos_u<360>, "r4", -1.0, 1.0, kAsinHard4},
-    {"g_atand", atan_u<360>, "r4", -kFmax, kFmax, kAtanHard4},
+    {"g_asind", asin_u<360>, "r4", -1.0, 1.0, kAsinHard4, fast_asin_u<90>, 50},
+    {"g_acosd", acos_u<360>, "r4", -1.0, 1.0, kAsinHard4, fast_acos_u<90>, 50},
+    {"g_atand", atan_u<360>, "r4", -kFmax, kFmax, kAtanHard4, fast_atan_u<90>, 50},
     {"g_atan2d", nullptr, "r4", -kFmax, kFmax, kAtan2Hard, nullptr, 0, atan2_u<360>},
-    {"g_asinq", asin_u<4>, "r4", -1.0, 1.0, kAsinHard4},
-    {"g_acosq", acos_u<4>, "r4", -1.0, 1.0, kAsinHard4},
-    {"g_atanq", atan_u<4>, "r4", -kFmax, kFmax, kAtanHard4},
+    {"g_asinq", asin_u<4>, "r4", -1.0, 1.0, kAsinHard4, fast_asin_u<1>, 50},
+    {"g_acosq", acos_u<4>, "r4", -1.0, 1.0, kAsinHard4, fast_acos_u<1>, 50},
+    {"g_atanq", atan_u<4>, "r4", -kFmax, kFmax, kAtanHard4, fast_atan_u<1>, 50},
     {"g_atan2q", nullptr, "r4", -kFmax, kFmax, kAtan2Hard, nullptr, 0, atan2_u<4>},
 
     // Circular functions of degrees and quadrants (references exact in the
@@ -369,12 +390,12 @@ constexpr Reference kReferences[] = {
     {"g_dcotq", cot_u<4>, "r8", -kDmax, kDmax, kQuadrantHard8},
     {"g_sind", sin_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_sin_u<90>, 60},
     {"g_cosd", cos_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_cos_u<90>, 60},
-    {"g_tand", tan_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4},
-    {"g_cotd", cot_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4},
+    {"g_tand", tan_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_tan_u<90>, 60},
+    {"g_cotd", cot_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_cot_u<90>, 60},
     {"g_sinq", sin_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_sin_u<1>, 60},
     {"g_cosq", cos_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_cos_u<1>, 60},
-    {"g_tanq", tan_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4},
-    {"g_cotq", cot_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4},
+    {"g_tanq", tan_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_tan_u<1>, 60},
+    {"g_cotq", cot_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_cot_u<1>, 60},
 
     // Hyperbolic functions.
     {"g_dsinh", mpfr_sinh, "r8", -kCoshMax8, kCoshMax8, kSinhHard8},
@@ -399,8 +420,8 @@ constexpr Reference kReferences[] = {
     {"g_scnh", mpfr_cosh, "r4", -kCoshMax4, kCoshMax4, kSinhHard4, nullptr, 0, nullptr, 1, "cosh"},
     {"g_dschq", of_quadrants<mpfr_sinh>, "r8", -452.3, 452.3, kSinhQuadrantHard8, nullptr, 0, nullptr, 0, "sinh(x pi/2)"},
     {"g_dschq", of_quadrants<mpfr_cosh>, "r8", -452.3, 452.3, kSinhQuadrantHard8, nullptr, 0, nullptr, 1, "cosh(x pi/2)"},
-    {"g_scnhq", of_quadrants<mpfr_sinh>, "r4", -56.9, 56.9, kSinhHard4, nullptr, 0, nullptr, 0, "sinh(x pi/2)"},
-    {"g_scnhq", of_quadrants<mpfr_cosh>, "r4", -56.9, 56.9, kSinhHard4, nullptr, 0, nullptr, 1, "cosh(x pi/2)"},
+    {"g_scnhq", of_quadrants<mpfr_sinh>, "r4", -56.9, 56.9, kSinhHard4, fast_sinh_q, 60, nullptr, 0, "sinh(x pi/2)"},
+    {"g_scnhq", of_quadrants<mpfr_cosh>, "r4", -56.9, 56.9, kSinhHard4, fast_cosh_q, 60, nullptr, 1, "cosh(x pi/2)"},
 };
 
 }  // namespace
