@@ -158,12 +158,9 @@ double sin_or_cos(const double* arg);
 // again from the top with the corrected argument.
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] double refuse(double x) {
-    return report::settle<report::Form::direct>(
-        [](double x) -> report::Step<double, double> {
-            if (trig::magnitude(x) < DSINMX) return sin_or_cos<cosine>(&x);  // corrected
-            return report::fail(Error::sin_cos_refused_r8, _NaN_D, double_from_bits(kSubstitute));
-        },
-        x);
+    return report::settle_direct(
+        x, [](double x) { return trig::magnitude(x) < DSINMX; }, [](double x) { return sin_or_cos<cosine>(&x); },
+        report::fail(Error::sin_cos_refused_r8, _NaN_D, double_from_bits(kSubstitute)));
 }
 
 // The cosine is the sine a quadrant on; the sine takes the sign of x.

@@ -95,12 +95,9 @@ double sin_cos_degrees(double x);
 
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] double refuse_degrees(double x) {
-    return report::settle<report::Form::direct>(
-        [](double x) -> report::Step<double, double> {
-            if (!units::degrees_refused(x)) return sin_cos_degrees<cosine>(x);  // corrected
-            return report::fail(Error::sin_cos_degree_r8, _NaN_D, kSubstitute);
-        },
-        x);
+    return report::settle_direct(
+        x, [](double x) { return !units::degrees_refused(x); }, sin_cos_degrees<cosine>,
+        report::fail(Error::sin_cos_degree_r8, _NaN_D, kSubstitute));
 }
 
 template <bool cosine>
@@ -126,12 +123,9 @@ double sin_cos_quadrants(double u) {
 // The halves of g_dscnq when the argument is refused: each reports 203.
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] double refuse_pair_half(double u) {
-    return report::settle<report::Form::direct>(
-        [](double u) -> report::Step<double, double> {
-            if (trig::magnitude(u) < HUGE_VAL) return sin_cos_quadrants<cosine>(u);  // corrected
-            return report::fail(Error::sin_cos_refused_r8, _NaN_D, kSubstitute);
-        },
-        u);
+    return report::settle_direct(
+        u, [](double u) { return trig::magnitude(u) < HUGE_VAL; }, sin_cos_quadrants<cosine>,
+        report::fail(Error::sin_cos_refused_r8, _NaN_D, kSubstitute));
 }
 
 }  // namespace

@@ -75,12 +75,9 @@ float sin_cos(float x);
 
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] float refuse_degrees(float x) {
-    return report::settle<report::Form::direct>(
-        [](float x) -> report::Step<float, float> {
-            if (!units::degrees_refused(x)) return sin_cos<kDegrees, cosine>(x);  // corrected
-            return report::fail(Error::sin_cos_degree_r4, _NaN_F, kSubstitute_F);
-        },
-        x);
+    return report::settle_direct(
+        x, [](float x) { return !units::degrees_refused(x); }, sin_cos<kDegrees, cosine>,
+        report::fail(Error::sin_cos_degree_r4, _NaN_F, kSubstitute_F));
 }
 
 template <const Unit& u, bool cosine>
@@ -102,24 +99,22 @@ float tan_cot(float x);
 
 template <const Unit& u, bool cotangent>
 [[gnu::cold, gnu::noinline]] float refuse_tan(float x) {
-    return report::settle<report::Form::direct>(
-        [](float x) -> report::Step<float, float> {
-            if (!refused<u>(x)) return tan_cot<u, cotangent>(x);  // corrected
-            return report::fail(u.refused, _NaN_F, 1.0f);
-        },
-        x);
+    return report::settle_direct(
+        x, [](float x) { return !refused<u>(x); }, tan_cot<u, cotangent>, report::fail(u.refused, _NaN_F, 1.0f));
 }
 
+// A corrected argument that is refused goes back to the top, which reports
+// that.
 template <const Unit& u, bool cotangent>
 [[gnu::cold, gnu::noinline]] float pole(float x) {
-    return report::settle<report::Form::direct>(
-        [](float x) -> report::Step<float, float> {
-            if (refused<u>(x)) return tan_cot<u, cotangent>(x);  // corrected but refused: reports that
+    return report::settle_direct(
+        x,
+        [](float x) {
+            if (refused<u>(x)) return true;
             const Reduced rd = reduce<u>(x);
-            if (!(rd.r == 0.0 && ((rd.k & 1) != 0) != cotangent)) return tan_cot<u, cotangent>(x);
-            return report::fail(u.pole, _Inf_F, kHuge_F);
+            return !(rd.r == 0.0 && ((rd.k & 1) != 0) != cotangent);
         },
-        x);
+        tan_cot<u, cotangent>, report::fail(u.pole, _Inf_F, kHuge_F));
 }
 
 template <const Unit& u, bool cotangent>

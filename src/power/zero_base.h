@@ -4,7 +4,11 @@
 // a retry runs the whole power again on the corrected base and exponent.
 #pragma once
 
+#include <type_traits>
+
 #include "frame/report.h"
+#include "frame/special_values.h"
+#include "frame/x87.h"
 
 namespace mivor::power {
 
@@ -18,6 +22,25 @@ template <class T, class N, class Power>
             return report::fail(error, inf, huge).described(report::Describe::second);
         },
         x, n);
+}
+
+// x**n of the REAL(4) and REAL(8) entries: a zero base takes the report
+// path above, every other base (NaN included) `raise_to`.
+template <class T, class N, class RaiseTo>
+inline T integer_power(T x, N n, Error error, RaiseTo raise_to) {
+    if (!(x == T(0))) [[likely]] return raise_to(x, n);
+    if constexpr (std::is_same_v<T, float>) return zero_base(x, n, error, _Inf_F, kHuge_F, raise_to);
+    else return zero_base(x, n, error, _Inf_D, kHuge_D, raise_to);
+}
+
+// The REAL(4) members run the REAL(8) steps on the x87 stack in extended
+// precision, the base widened there and the result rounded to REAL(4) only
+// on return.
+template <class N, long double (*steps)(long double, N)>
+float in_extended(float x, N n) {
+    x87::ExtendedPrecision scope;
+    const long double result = steps(scope.pin(x), n);
+    return static_cast<float>(scope.pin(result));
 }
 
 }  // namespace mivor::power

@@ -29,9 +29,8 @@
 // Fallbacks when the handler does not correct the operands: +0 for 1398;
 // for 1397 the infinity with x's sign (also in g_aqsq) when IEEE results
 // are asked for, else +HUGE whatever the sign.
-#include "frame/report.h"
-#include "frame/special_values.h"
 #include "mivor/mivor.h"
+#include "quad/fallbacks.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -304,12 +303,8 @@ inline Status attempt(Halves x, Halves y, std::uint64_t flip, Halves* out) {
             Halves r;
             switch (attempt(detail::load(&x), detail::load(&y), flip, &r)) {
                 case Status::ok: return r;
-                case Status::underflow:
-                    return report::fail(Error::quad_underflow, Halves{0, 0}).described(report::Describe::none);
-                default:
-                    return report::fail(Error::quad_overflow, detail::load(sign(x) ? &_MInf_Q : &_Inf_Q),
-                                        detail::load(&kHuge_Q))
-                        .described(report::Describe::none);
+                case Status::underflow: return underflowed(Error::quad_underflow).described(report::Describe::none);
+                default: return overflowed(Error::quad_overflow, sign(x)).described(report::Describe::none);
             }
         },
         detail::to_real16(hx), detail::to_real16(hy));

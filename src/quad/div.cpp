@@ -48,9 +48,8 @@
 #include <emmintrin.h>  // SSE2 is the baseline of every 32-bit flavour
 #endif
 
-#include "frame/report.h"
-#include "frame/special_values.h"
 #include "mivor/mivor.h"
+#include "quad/fallbacks.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -470,21 +469,16 @@ inline Outcome attempt(Halves x, Halves y, Halves* out) {
             Halves r;
             switch (attempt(detail::load(&x), detail::load(&y), &r)) {
                 case Outcome::ok: return r;
-                case Outcome::underflow: return report::fail(Error::quad_quotient_underflow, Halves{0, 0});
-                case Outcome::overflow: {
-                    const bool negative = ((x.w[3] ^ y.w[3]) & kSignBit) != 0;
-                    return report::fail(Error::quad_quotient_overflow,
-                                        detail::load(negative ? &_MInf_Q : &_Inf_Q), detail::load(&kHuge_Q));
-                }
+                case Outcome::underflow: return underflowed(Error::quad_quotient_underflow);
+                case Outcome::overflow:
+                    return overflowed(Error::quad_quotient_overflow, ((x.w[3] ^ y.w[3]) & kSignBit) != 0);
                 default:
                     // x / 0: the infinity takes the sign of x alone, on
                     // purpose; 0 / 0 is the NaN or +0.
                     if (detail::top_is_zero(detail::load(&x)))
                         return report::fail(Error::quad_division_by_zero, detail::load(&_NaN_Q), Halves{0, 0})
                             .described(report::Describe::none);
-                    return report::fail(Error::quad_division_by_zero, detail::load(sign(x) ? &_MInf_Q : &_Inf_Q),
-                                        detail::load(&kHuge_Q))
-                        .described(report::Describe::none);
+                    return overflowed(Error::quad_division_by_zero, sign(x)).described(report::Describe::none);
             }
         },
         detail::to_real16(hx), detail::to_real16(hy));

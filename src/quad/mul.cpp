@@ -21,9 +21,8 @@
 // Fallbacks when the handler does not correct the operands: +0 for 1398;
 // for 1397 the infinity with the sign of x * y when IEEE results are asked
 // for, else +HUGE whatever the sign.
-#include "frame/report.h"
-#include "frame/special_values.h"
 #include "mivor/mivor.h"
+#include "quad/fallbacks.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -255,14 +254,10 @@ inline Status attempt(Halves x, Halves y, Halves* out) {
             Halves r;
             switch (attempt(detail::load(&x), detail::load(&y), &r)) {
                 case Status::ok: return r;
-                case Status::underflow:
-                    return report::fail(Error::quad_underflow, Halves{0, 0}).described(report::Describe::none);
-                default: {
-                    const bool negative = ((x.w[3] ^ y.w[3]) & kSignBit) != 0;
-                    return report::fail(Error::quad_overflow, detail::load(negative ? &_MInf_Q : &_Inf_Q),
-                                        detail::load(&kHuge_Q))
+                case Status::underflow: return underflowed(Error::quad_underflow).described(report::Describe::none);
+                default:
+                    return overflowed(Error::quad_overflow, ((x.w[3] ^ y.w[3]) & kSignBit) != 0)
                         .described(report::Describe::none);
-                }
             }
         },
         detail::to_real16(hx), detail::to_real16(hy));

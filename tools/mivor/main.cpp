@@ -2,8 +2,9 @@
 //
 //   mivor list                     the export table and what is implemented
 //   mivor call NAME ARG... [opts]  evaluate one export, print value and bits
-//   mivor golden [--cases N] [--dump] [NAME]
-//                                  digests of every export on fixed inputs
+//   mivor golden [--cases N] [--dump] [--check FILE] [NAME]
+//                                  digests of every export on fixed inputs;
+//                                  with --check, compared with FILE
 //   mivor accuracy [...]           ulp errors against MPFR (host flavour)
 //   mivor speed                    throughput ratios against libm, __float128
 //   mivor report                   the summary: exports by family, speed,
@@ -45,7 +46,7 @@ int usage() {
     std::fprintf(stderr,
                  "usage: mivor list | call NAME ARG... [--ieee|--no-ieee] [--no-handler] [--suppress]\n"
                  "                               [--fix K=VALUE]... [--retries N]\n"
-                 "       mivor golden [--cases N] [--dump] [NAME] | speed | accuracy [...] | report\n");
+                 "       mivor golden [--cases N] [--dump] [--check FILE] [NAME] | speed | accuracy [...] | report\n");
     return 2;
 }
 
@@ -247,7 +248,13 @@ int main(int argc, char** argv) {
             std::string_view a = argv[i];
             if (a == "--cases" && i + 1 < argc) options.cases = static_cast<std::uint32_t>(std::atol(argv[++i]));
             else if (a == "--dump") options.dump = true;
-            else options.only = a;
+            else if (a == "--check" && i + 1 < argc) options.check = argv[++i];
+            else if (a == "--perturb" && i + 1 < argc) options.perturb = argv[++i];
+            else if (!a.empty() && a[0] == '-') return usage();
+            else if (!mivor::exports::find(a)) {
+                std::fprintf(stderr, "mivor: no export named %s\n", argv[i]);
+                return 2;
+            } else options.only = a;
         }
         return run_golden(options);
     }

@@ -205,6 +205,11 @@ std::optional<Value> parse_value(std::string_view kind, std::string_view text) {
         auto d = parse_real8(text);
         if (!d) return std::nullopt;
         v.r8 = *d;
+    } else if (kind == "r8x") {
+        // A REAL(8) value, widened exactly (NaN payloads included).
+        auto d = parse_real8(text);
+        if (!d) return std::nullopt;
+        v.r8x = static_cast<long double>(*d);
     } else if (kind == "r16") {
         auto q = parse_real16(text);
         if (!q) return std::nullopt;

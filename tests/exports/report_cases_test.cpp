@@ -1,0 +1,134 @@
+// Directed report cases (report_cases.tab): each implemented export, called
+// through its registry thunk on every flavour, reports exactly the numbers a
+// case names and returns the case's fallback with IEEE results on and off;
+// and every error number that an implemented export's row lists has a case.
+// Together with the golden run, which rejects any report number a row does
+// not list, this keeps the table's `errors` column equal to what the code
+// reports.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "exports/registry.h"
+#include "mivor/values.h"
+#include "support/recording_handler.h"
+
+namespace {
+
+using mivor::exports::Row;
+using mivor::exports::Value;
+using mivor::testing::RecordingHandler;
+namespace tool = mivor::tool;
+
+struct Case {
+    int line = 0;
+    const Row* row = nullptr;
+    std::vector<std::string> arguments;
+    std::vector<std::int32_t> numbers;
+    std::string ieee, substitute;  // "*": not compared
+};
+
+std::vector<std::int32_t> parse_numbers(const std::string& text) {
+    std::vector<std::int32_t> out;
+    std::stringstream in(text);
+    std::string n;
+    while (std::getline(in, n, ',')) out.push_back(std::stoi(n));
+    return out;
+}
+
+// "export args... -> numbers ieee substitute", '#' comments.
+std::vector<Case> read_cases(std::vector<std::string>& problems) {
+    std::vector<Case> cases;
+    std::ifstream in(MIVOR_REPORT_CASES);
+    if (!in) problems.push_back("cannot read " MIVOR_REPORT_CASES);
+    std::string text;
+    for (int line = 1; std::getline(in, text); ++line) {
+        text = text.substr(0, text.find('#'));
+        std::stringstream words(text);
+        std::vector<std::string> w;
+        for (std::string word; words >> word;) w.push_back(word);
+        if (w.empty()) continue;
+        Case c;
+        c.line = line;
+        c.row = mivor::exports::find(w[0]);
+        std::size_t arrow = 1;
+        while (arrow < w.size() && w[arrow] != "->") c.arguments.push_back(w[arrow++]);
+        if (!c.row || arrow + 4 != w.size()) {
+            problems.push_back("line " + std::to_string(line) + ": not 'export args... -> numbers ieee substitute'");
+            continue;
+        }
+        c.numbers = parse_numbers(w[arrow + 1]);
+        c.ieee = w[arrow + 2];
+        c.substitute = w[arrow + 3];
+        cases.push_back(c);
+    }
+    return cases;
+}
+
+std::string where(const Case& c) { return std::string(c.row->name) + " (line " + std::to_string(c.line) + ")"; }
+
+bool parse_arguments(const Case& c, Value* args) {
+    const std::vector<std::string_view> kinds = tool::split_kinds(c.row->args);
+    if (kinds.size() != c.arguments.size()) return false;
+    for (std::size_t k = 0; k < kinds.size(); ++k) {
+        std::string_view kind = kinds[k];
+        if (kind == "anyreal") {  // its kind is named by the type code after it
+            auto code = k + 1 < kinds.size() ? tool::parse_value("i4", c.arguments[k + 1]) : std::nullopt;
+            kind = code ? tool::kind_of_type_code(code->i4) : std::string_view{};
+        }
+        auto v = tool::parse_value(kind, c.arguments[k]);
+        if (!v) return false;
+        args[k] = *v;
+    }
+    return true;
+}
+
+TEST(ReportCases, EachCaseReportsItsNumbersAndGivesBothFallbacks) {
+    std::vector<std::string> problems;
+    const std::vector<Case> cases = read_cases(problems);
+    for (const std::string& p : problems) ADD_FAILURE() << p;
+    ASSERT_FALSE(cases.empty());
+    for (const Case& c : cases) {
+        if (!c.row->thunk) continue;  // a case may come before its export
+        Value args[8] = {};
+        ASSERT_TRUE(parse_arguments(c, args)) << where(c) << ": arguments do not fit " << c.row->args;
+        for (const bool ieee : {true, false}) {
+            // Declines every retry.
+            RecordingHandler handler([](const mivor::testing::Report&, jwe_control_area&) { return false; });
+            jwe_x_init = 2;
+            jwe_lca.ieee_results = ieee ? 1 : 0;
+            Value result{};
+            c.row->thunk(args, result);
+            EXPECT_EQ(handler.numbers(), c.numbers) << where(c) << (ieee ? ", IEEE results" : ", finite results");
+            const std::string& want = ieee ? c.ieee : c.substitute;
+            if (want == "*") continue;
+            auto expected = tool::parse_value(c.row->result, want);
+            ASSERT_TRUE(expected) << where(c) << ": cannot read '" << want << "' as " << c.row->result;
+            const std::size_t size = tool::significant_size(c.row->result);
+            EXPECT_EQ(std::memcmp(result.bytes, expected->bytes, size), 0)
+                << where(c) << (ieee ? ", IEEE results: " : ", finite results: ") << "got "
+                << tool::format_value(c.row->result, result) << ", want " << tool::format_value(c.row->result, *expected);
+        }
+    }
+}
+
+TEST(ReportCases, EveryListedNumberOfAnImplementedExportHasACase) {
+    std::vector<std::string> problems;
+    const std::vector<Case> cases = read_cases(problems);
+    std::set<std::pair<std::string_view, std::int32_t>> covered;
+    for (const Case& c : cases)
+        for (std::int32_t n : c.numbers) covered.insert({c.row->name, n});
+    for (const Row& row : mivor::exports::rows()) {
+        if (!row.thunk || row.errors == "-") continue;
+        for (std::int32_t n : parse_numbers(std::string(row.errors)))
+            EXPECT_TRUE(covered.count({row.name, n})) << row.name << " lists error " << n << " but no case makes it";
+    }
+}
+
+}  // namespace
