@@ -140,7 +140,8 @@ extern "C" MIVOR_DISPATCHED mivor_complex4* g_scns(mivor_complex4* result, const
         return result;
     }
     const SinCos rc = reduce(a);
-    const double s = sin_poly(rc.r), c = cos_poly(rc.r);
+    const __m128d both = sincos_f::sin_cos_poly(rc.r);
+    const double s = _mm_cvtsd_f64(both), c = _mm_cvtsd_f64(_mm_unpackhi_pd(both, both));
     // Chosen by masks: random quadrants would mispredict a branch.
     const std::uint32_t n = rc.k;
     const __m128d odd = _mm_castsi128_pd(_mm_set1_epi32(-static_cast<std::int32_t>(n & 1)));

@@ -31,8 +31,6 @@
 namespace mivor::elementary {
 namespace {
 
-using sincos_f::cos_poly;
-using sincos_f::sin_poly;
 using units::Reduced;
 
 inline constexpr float kSubstitute_F = 0x1.6a09e6p-1f;  // 0.70710677, 0x3F3504F3
@@ -88,8 +86,8 @@ float sin_cos(float x) {
         return not_finite(x);
     }
     const Reduced rd = reduce<u>(xd);
-    const double r = rd.r * u.radians;
-    const double v = units::by_quadrant(rd.k + (cosine ? 1 : 0), sin_poly(r), cos_poly(r));
+    const __m128d sc = sincos_f::sin_cos_poly(rd.r * u.radians);
+    const double v = units::by_quadrant(rd.k + (cosine ? 1 : 0), _mm_cvtsd_f64(sc), _mm_cvtsd_f64(_mm_unpackhi_pd(sc, sc)));
     if constexpr (cosine) return static_cast<float>(v);
     return static_cast<float>(signed_like<u>(v, xd));
 }
@@ -125,8 +123,8 @@ float tan_cot(float x) {
     const bool odd = rd.k & 1;
     const bool want_cot = odd != cotangent;
     if (want_cot && rd.r == 0.0) return pole<u, cotangent>(x);
-    const double r = rd.r * u.radians;
-    const double s = sin_poly(r), c = cos_poly(r);
+    const __m128d sc = sincos_f::sin_cos_poly(rd.r * u.radians);
+    const double s = _mm_cvtsd_f64(sc), c = _mm_cvtsd_f64(_mm_unpackhi_pd(sc, sc));
     const double v = want_cot ? c / s : s / c;
     return static_cast<float>(signed_like<u>(odd ? -v : v, xd));
 }
@@ -157,8 +155,8 @@ extern "C" MIVOR_DISPATCHED mivor_complex4* g_scnsq(mivor_complex4* result, cons
         return result;
     }
     const Reduced rd = reduce<kQuadrants>(xd);
-    const double r = rd.r * kQuadrants.radians;
-    const double s = sin_poly(r), c = cos_poly(r);
+    const __m128d sc = sincos_f::sin_cos_poly(rd.r * kQuadrants.radians);
+    const double s = _mm_cvtsd_f64(sc), c = _mm_cvtsd_f64(_mm_unpackhi_pd(sc, sc));
     result->re = static_cast<float>(signed_like<kQuadrants>(units::by_quadrant(rd.k, s, c), xd));
     result->im = static_cast<float>(units::by_quadrant(rd.k + 1, s, c));
     return result;
