@@ -12,49 +12,62 @@
 //                  +-0x7FEFFFFFFFFFFFB6 with IEEE results off.
 // tanh: x + x t P(t)/Q(t) below 1, +-1 from 18.369 on, else
 // (1 - e)/(1 + e) with e = g_dexp(-2a); no report, a NaN gives a NaN.
-// The series, the combinations with 0.25/E and the quotient of tanh run in
-// x87 extended precision (64-bit precision set for the call, x87.h) and are
-// rounded once to double.
 //
-// _jwe_guhy: e^a/2 in extended precision, for a >= 1: g_dexp's reduction
-// (k = round(256 a/ln 2), r = a - k ln2/256, |r| <= 2^-9.4) and table, with
-// r and everything after it in extended precision: within 2^-63 of e^a/2
-// (see exp_half).  Rounded to double that is within 0.5 + 2^-10 ulp: the
-// same bits as g_dexp(a)/2 wherever that is correctly rounded, except
-// within 2^-10 ulp of a half-way point, and correctly rounded where g_dexp
-// is not (tests/elementary/guhy_test.cpp).
+// Where it runs: the series below 1 and the quotients of tanh on the x87
+// unit, in extended precision (64-bit precision set for the call, x87.h),
+// rounded once to double.  E = e^a/2 from 1 on is a double and a tail
+// computed in SSE2 (exp_half): the x87 unit is three to five times slower
+// on this machine kind for the same steps, and E, carried to 2^-62, then
+// adds nothing to the error; E +- 0.25/E is summed in double, the tail and
+// 0.25/E first, and rounds once.
 //
-// Accuracy of the plan (e = 2^-53; bounds, measured figures in the README):
+// _jwe_guhy: e^a/2 for a >= 1, left in extended precision: g_dexp's
+// reduction (k = round(256 a/ln 2), r = a - k ln2/256, |r| <= 2^-9.4) and
+// table, with r as a double-double, e^r - 1 by its Taylor polynomial and
+// the product by the table value exact (Dekker): within 2^-63 of e^a/2
+// (exp_half).  Rounded to double that is within 0.5 + 2^-10 ulp: the same
+// bits as g_dexp(a)/2 wherever that is correctly rounded, except within
+// 2^-10 ulp of a half-way point, and correctly rounded where g_dexp is not
+// (tests/elementary/guhy_test.cpp).  sinh and cosh use the same kernel with
+// the product rounded (E within 2^-62).
+//
+// Accuracy of the plan (e = 2^-53; measured with mivor accuracy --count
+// 1000000, figures in the README):
 //   series        fits within 3.2e-17 (cosh) and 7.3e-18 (sinh) relative,
-//                 evaluated in extended: 0.5 + 0.29 ulp at most;
-//   middle range  E to 2^-63, 0.25/E to 2^-63, the sum or difference
-//                 (cancelling by 1.16 at most, at a = 1): 0.5 + 0.005 ulp;
+//                 evaluated in extended: 0.5 + 0.29 ulp at most (0.70);
+//   middle range  E to 2^-62, f = 0.25/E rounded (f < 0.14 E: 0.07 ulp),
+//                 El + f rounded (0.07 ulp), the final sum once; sinh
+//                 cancels by 1.16 at most (a = 1): within 0.5 + 0.17 ulp
+//                 (0.66);
 //   E alone       the dropped e^-a/2 is 2^-53.08 of the result at a = 18.4,
 //                 up to 0.94 ulp, on top of the final rounding: the design
-//                 reaches about 1.45 ulp just above 18.4 (and 0.5 + 0.005
-//                 from about 19.1 on);
-//   (0.5 E) E     E = g_dexp within 0.52 ulp, squared: up to about 1.6 ulp
-//                 in the last 0.7 before overflow.
+//                 reaches about 1.45 ulp just above 18.4 (1.17 measured),
+//                 0.5 from about 19.1 on;
+//   (0.5 E) E     E = g_dexp(a/2) within 0.52 ulp, squared: up to 2 ulp in
+//                 the last 0.7 before overflow (1.82 measured);
 //   tanh          the fitted quotient within 2.1e-18; in the middle
 //                 e = g_dexp(-2a) within 0.52 ulp of e, which moves
 //                 (1 - e)/(1 + e) by at most 0.3 ulp; but from 18.369
 //                 (53 ln2 / 2) on the result is 1 while tanh is still
-//                 1 - 2^-52 there: up to 2 ulp, falling to 0.5 at 19.06.
-// These are the library's ranges and limits and are kept as they are.
+//                 1 - 2^-52 there: up to 2 ulp (2.00 measured), falling to
+//                 0.5 at 19.06.
+// These are the library's ranges, limits and formulas and are kept.
 //
 // g_dsch computes both halves along the same plan, so its bits are those of
 // g_dsinh and g_dcosh, with one exponential and one report 224 for both.
 // g_dschq is the pair of x pi/2 for the quadrant forms of the complex
 // functions: x pi/2 is carried as a double-double (Dekker's product, so the
-// argument adds no error of its own), the series use it in extended
-// precision, and above 1 the pair is E +- 0.25/E with E = e^(x pi/2)/2 in
-// extended precision all the way to the overflow limit (710.475 for x pi/2):
-// within 0.5 + 2^-9 ulp everywhere.  It reports 224 once, like g_dsch.
+// argument adds no error of its own), the series take it in extended
+// precision, and from 1 on the pair is E +- 0.25/E with E = e^(x pi/2)/2
+// from exp_half all the way to the overflow limit (710.475 for x pi/2, the
+// scale applied in two steps): within 0.5 + 0.25 ulp everywhere (0.75
+// measured, at subnormal sinh results).  It reports 224 once, like g_dsch.
 #include <cmath>
 
 #include "elementary/exp_kernel.h"
 #include "elementary/hyperbolic.h"
 #include "elementary/trig_reduce.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "frame/x87.h"
@@ -125,7 +138,12 @@ inline HalfExp exp_half(double ah, double al) {
     const double rh = u + v;
     const double rl = (u - rh) + v;
     const double r2 = rh * rh;
-    const double c = rl + r2 * ((0.5 + rh * kSixth) + r2 * (kTwentyFourth + rh * (k120th + rh * k720th)));
+    // To r^5/120 for sinh and cosh (the next term is below 2^-66), to
+    // r^6/720 for _jwe_guhy.
+    double tail;
+    if constexpr (exact_product) tail = kTwentyFourth + rh * (k120th + rh * k720th);
+    else tail = kTwentyFourth + rh * k120th;
+    const double c = rl + r2 * ((0.5 + rh * kSixth) + r2 * tail);
     const auto k = static_cast<std::int32_t>(trig::low32(s));
     const auto& e = exp_e[k & 255];
     double p, pe = 0.0;
@@ -303,15 +321,15 @@ extern "C" long double _jwe_guhy(const double* arg) {
     return scope.pin((v * power_of_two(E.e / 2)) * power_of_two(E.e - E.e / 2));
 }
 
-extern "C" double g_dsinh(const double* arg) { return sinh_or_cosh<false>(*arg); }
-extern "C" double g_dcosh(const double* arg) { return sinh_or_cosh<true>(*arg); }
-extern "C" double g_dtanh(const double* arg) { return tanh_of(*arg); }
+extern "C" MIVOR_DISPATCHED double g_dsinh(const double* arg) { return sinh_or_cosh<false>(*arg); }
+extern "C" MIVOR_DISPATCHED double g_dcosh(const double* arg) { return sinh_or_cosh<true>(*arg); }
+extern "C" MIVOR_DISPATCHED double g_dtanh(const double* arg) { return tanh_of(*arg); }
 
-extern "C" mivor_complex8* g_dsch(mivor_complex8* result, const double* arg) {
+extern "C" MIVOR_DISPATCHED mivor_complex8* g_dsch(mivor_complex8* result, const double* arg) {
     *result = pair_of<false>(*arg);
     return result;
 }
-extern "C" mivor_complex8* g_dschq(mivor_complex8* result, const double* arg) {
+extern "C" MIVOR_DISPATCHED mivor_complex8* g_dschq(mivor_complex8* result, const double* arg) {
     *result = pair_of<true>(*arg);
     return result;
 }
