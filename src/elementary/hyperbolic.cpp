@@ -218,14 +218,19 @@ inline Pair sinh_cosh_quadrants(double x, bool& overflow) {
         sh = scope.to_double(sinh_series(y));
         ch = scope.to_double(cosh_series(y));
     } else {
-        // As in the middle range of sinh_cosh, up to the overflow limit: the
-        // scale 2^(m-1) may be 2^1024 there, so it is applied in two halves.
+        // As in the middle range of sinh_cosh, up to the overflow limit.
+        // Only the last 0.7 before it has the scale 2^1024, applied in two
+        // halves; 0.25/E is below 2^-2000 of E there.
         const HalfExp E = exp_half<false>(yh, yl);
-        const double scale = power_of_two(E.e / 2), rest = power_of_two(E.e - E.e / 2);
-        const double eh = E.hi * scale, el = E.lo * scale;
-        const double f = (0.25 / (eh + el)) / rest / rest;  // 0.25/E, divided by rest once more
-        sh = (eh + (el - f)) * rest;
-        ch = (eh + (el + f)) * rest;
+        if (E.e <= 1023) {
+            const double scale = power_of_two(E.e);
+            const double eh = E.hi * scale, el = E.lo * scale;
+            const double f = 0.25 / (eh + el);
+            sh = eh + (el - f);
+            ch = eh + (el + f);
+        } else {
+            sh = ch = ((E.hi + E.lo) * 0x1p+512) * 0x1p+512;
+        }
     }
     return {std::signbit(x) ? -sh : sh, ch};
 }

@@ -283,16 +283,16 @@ long double fast_cosh(long double x) { return std::cosh(static_cast<double>(x));
 long double fast_tanh(long double x) { return std::tanh(static_cast<double>(x)); }
 // Degrees and quadrants: the REAL(4) argument is reduced exactly by a
 // right angle in long double (n right and x - n right are exact: 64-bit
-// significand), then sinl or cosl of the remainder in radians, within
-// 2^-62 (relative).
+// significand), the remainder turned into radians and rounded to double
+// (2^-53), then the platform's double sine or cosine (within an ulp):
+// within 2^-51 (relative).
 template <int unit>  // 90 or 1
 long double fast_sin_cos_u(long double x, bool cosine) {
     constexpr long double radians = unit == 90 ? 0x8efa351294e9c8aep-69L : 0xc90fdaa22168c235p-63L;
     const long double n = std::nearbyint(x / unit);
-    const long double r = (x - n * unit) * radians;
-    int q = static_cast<int>(std::fmod(n, 4.0L));
-    q = (q + 4 + (cosine ? 1 : 0)) & 3;
-    const long double v = (q & 1) ? std::cos(r) : std::sin(r);
+    const double r = static_cast<double>((x - n * unit) * radians);
+    const auto q = static_cast<int>(static_cast<long long>(std::fmod(n, 4.0L)) + 4 + (cosine ? 1 : 0)) & 3;
+    const double v = (q & 1) ? std::cos(r) : std::sin(r);
     return (q & 2) ? -v : v;
 }
 template <int unit>
@@ -388,14 +388,14 @@ constexpr Reference kReferences[] = {
     {"g_dcosq", cos_u<4>, "r8", -kDmax, kDmax, kQuadrantHard8},
     {"g_dtanq", tan_u<4>, "r8", -kDmax, kDmax, kQuadrantHard8},
     {"g_dcotq", cot_u<4>, "r8", -kDmax, kDmax, kQuadrantHard8},
-    {"g_sind", sin_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_sin_u<90>, 60},
-    {"g_cosd", cos_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_cos_u<90>, 60},
-    {"g_tand", tan_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_tan_u<90>, 60},
-    {"g_cotd", cot_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_cot_u<90>, 60},
-    {"g_sinq", sin_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_sin_u<1>, 60},
-    {"g_cosq", cos_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_cos_u<1>, 60},
-    {"g_tanq", tan_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_tan_u<1>, 60},
-    {"g_cotq", cot_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_cot_u<1>, 60},
+    {"g_sind", sin_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_sin_u<90>, 50},
+    {"g_cosd", cos_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_cos_u<90>, 50},
+    {"g_tand", tan_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_tan_u<90>, 49},
+    {"g_cotd", cot_u<360>, "r4", -kDegreeMax, kDegreeMax, kDegreeHard4, fast_cot_u<90>, 49},
+    {"g_sinq", sin_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_sin_u<1>, 50},
+    {"g_cosq", cos_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_cos_u<1>, 50},
+    {"g_tanq", tan_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_tan_u<1>, 49},
+    {"g_cotq", cot_u<4>, "r4", -kFmax, kFmax, kQuadrantHard4, fast_cot_u<1>, 49},
 
     // Hyperbolic functions.
     {"g_dsinh", mpfr_sinh, "r8", -kCoshMax8, kCoshMax8, kSinhHard8},
