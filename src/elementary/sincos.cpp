@@ -340,13 +340,16 @@ inline SinCos8 evaluate_pair(ReducedLanes r, Sd sx) {
 }  // namespace
 }  // namespace mivor::elementary
 
-// g_dscn: (sin x, cos x).  For |x| <= 1.05e8 one reduction, the two-lane
-// scheme of pk_dsin (k for every argument), and both rows of the table
-// point from the packed table, the sine form and the cosine form given to
-// sin x and cos x as the quadrant says: the bits of pk_dsin and pk_dcos,
-// which are those of g_dsin and g_dcos below pi/4 and from 9pi/4 on, and
-// within an ulp of them in between.  Otherwise (larger, infinite, NaN)
-// g_dsin and then g_dcos, so a refused argument reports 203 twice.
+// g_dscn: (sin x, cos x).  For |x| <= 1.05e8 one reduction (the ladder of
+// exact shifts below 9pi/4, the two-piece Cody-Waite step with k for every
+// argument above, as g_dsin and g_dcos and the two-lane kernel do), and
+// both rows of the table point from the packed table, the sine form and the
+// cosine form given to sin x and cos x as the quadrant says: the bits of
+// g_dsin and g_dcos.  The ladder rather than k for every argument below
+// 9pi/4 (pk_dsin's choice) keeps the pair equal to the single functions,
+// and its exact shifts are the shorter dependency chain.  Otherwise
+// (larger, infinite, NaN) g_dsin and then g_dcos, so a refused argument
+// reports 203 twice.
 extern "C" MIVOR_DISPATCHED mivor_complex8* g_dscn(mivor_complex8* result, const double* arg) {
     const double x = *arg;
     const Sd xv = _mm_set_sd(x);
@@ -358,7 +361,8 @@ extern "C" MIVOR_DISPATCHED mivor_complex8* g_dscn(mivor_complex8* result, const
         result->im = c;
         return result;
     }
-    const SinCos8 v = evaluate_pair(reduce_medium_lanes(a), _mm_and_pd(xv, lanes(kSignMask)));
+    const ReducedLanes r = _mm_cvtsd_f64(a) < Q9P ? ladder(a) : reduce_medium_lanes(a);
+    const SinCos8 v = evaluate_pair(r, _mm_and_pd(xv, lanes(kSignMask)));
     result->re = v.s;
     result->im = v.c;
     return result;
