@@ -1,8 +1,8 @@
 // g_dsinh, g_dcosh, g_dtanh, _jwe_guhy and the pairs g_dsch, g_dschq:
 // REAL(8) hyperbolic functions.
 //
-// Range plan of sinh and cosh on a = |x| (h its high word; the comparisons
-// are false for a NaN, which therefore reports):
+// Range plan of sinh and cosh on a = |x| (the comparisons are false for a
+// NaN, which therefore reports):
 //   a < 1          Taylor series, fitted: cosh = 1 + t (p1 + ... + t p7),
 //                  sinh = x + x t (s0 + ... + t s6), t = x^2;
 //   a < 18.4       E = e^a/2 (_jwe_guhy), cosh = E + 0.25/E, sinh = E - 0.25/E;
@@ -88,8 +88,12 @@ inline constexpr double sp0 = 0.16666666666666669, sp1 = 0.008333333333333111, s
                         sp6 = 7.759842042834347e-13;
 inline constexpr double emax = 0x1.62e4189374bc7p+9;  // 709.782, 0x40862E4189374BC7
 inline constexpr double xmax = 0x1.633cccccccccdp+9;  // 710.475, 0x408633CCCCCCCCCD
-inline constexpr std::uint32_t kMiddleHigh = 0x40326666u;  // |x| below about 18.4
-inline constexpr std::uint32_t kOneHigh = 0x3FF00000u;
+// The splits at 1 and about 18.4 are on the high word of |x| (below
+// 0x3FF00000, below 0x40326666); compared as the doubles with those high
+// words and a zero low word, the same test without a store-forwarding
+// stall on i386.
+inline constexpr double kMiddle = 0x1.2666600000000p+4;  // 18.39999771118164, high word 0x40326666
+inline constexpr double kOne = 1.0;
 // g_dtanh.
 inline constexpr double tp1 = -257446.81508084596, tp2 = -18158.832069902594, tp3 = -287.60231921162375,
                         tp4 = -0.9778922952118113;
@@ -166,16 +170,15 @@ struct Pair {
 template <bool want_sinh, bool want_cosh>
 inline Pair sinh_cosh(double x) {
     const double a = trig::magnitude(x);
-    const std::uint32_t h = high_word(a);
     double sh = 0.0, ch = 0.0;
-    if (h < kOneHigh) {
+    if (a < kOne) {
         ExtendedPrecision scope;
         const long double xl = scope.pin(x);
         if (want_sinh) sh = scope.to_double(sinh_series(xl));
         if (want_cosh) ch = scope.to_double(cosh_series(xl));
         return {sh, ch};
     }
-    if (h < kMiddleHigh) {
+    if (a < kMiddle) {
         // E = e^a/2 = eh + el, both scaled exactly (a < 18.4), f = 0.25/E
         // rounded (below 0.14 E, so its 2^-53 is below 0.07 ulp of the
         // result), one final rounding: within 0.5 + 0.1 ulp, the difference

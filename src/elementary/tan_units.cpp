@@ -90,22 +90,26 @@ double tan_cot(double x);
 
 template <const Unit& u, bool cotangent>
 [[gnu::cold, gnu::noinline]] double refuse(double x) {
-    return report::settle_direct(
-        x, [](double x) { return !refused<u>(x); }, tan_cot<u, cotangent>, report::fail(u.refused, _NaN_D, 1.0));
+    return report::settle<report::Form::direct>(
+        [](double x) -> report::Step<double, double> {
+            if (!refused<u>(x)) return tan_cot<u, cotangent>(x);  // corrected
+            return report::fail(u.refused, _NaN_D, 1.0);
+        },
+        x);
 }
 
 // A corrected argument that is refused goes back to the top, which reports
 // that.
 template <const Unit& u, bool cotangent>
 [[gnu::cold, gnu::noinline]] double pole(double x) {
-    return report::settle_direct(
-        x,
-        [](double x) {
-            if (refused<u>(x)) return true;
+    return report::settle<report::Form::direct>(
+        [](double x) -> report::Step<double, double> {
+            if (refused<u>(x)) return tan_cot<u, cotangent>(x);
             const Reduced rd = u.degrees ? units::reduce_degrees(x) : units::reduce_quadrants(trig::magnitude(x));
-            return !(rd.r == 0.0 && ((rd.k & 1) != 0) != cotangent);
+            if (!(rd.r == 0.0 && ((rd.k & 1) != 0) != cotangent)) return tan_cot<u, cotangent>(x);  // corrected
+            return report::fail(u.pole, _Inf_D, kHuge_D);
         },
-        tan_cot<u, cotangent>, report::fail(u.pole, _Inf_D, kHuge_D));
+        x);
 }
 
 template <const Unit& u, bool cotangent>

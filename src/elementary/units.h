@@ -9,6 +9,7 @@
 
 #include <emmintrin.h>
 
+#include <bit>
 #include <cstdint>
 
 #include "elementary/trig_reduce.h"
@@ -99,8 +100,11 @@ inline double by_quadrant(std::uint32_t n, double s, double c) {
     return _mm_cvtsd_f64(_mm_xor_pd(v, sign));
 }
 
-// The refusal test of the degree forms: |x| at or above 2.0299994561825997e17,
-// infinite or NaN.
-inline bool degrees_refused(double x) { return (high_word(x) & 0x7FFFFFFFu) >= kDegreeLimitHigh; }
+// The refusal test of the degree forms: |x| at or above 2.0299994561825997e17
+// (high word 0x4386899B and above), infinite or NaN.  Compared as doubles:
+// on i386 the high word of a double in memory is a store-forwarding stall.
+inline constexpr double kDegreeLimit = 0x1.6899bp+57;
+static_assert(std::bit_cast<std::uint64_t>(kDegreeLimit) == std::uint64_t{kDegreeLimitHigh} << 32);
+inline bool degrees_refused(double x) { return !(trig::magnitude(x) < kDegreeLimit); }
 
 }  // namespace mivor::elementary::units
