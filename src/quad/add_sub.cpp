@@ -31,6 +31,7 @@
 // are asked for, else +HUGE whatever the sign.
 #include "mivor/mivor.h"
 #include "quad/fallbacks.h"
+#include "quad/operators.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -215,17 +216,19 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
                 out[0] = out[1] = out[2] = out[3] = 0;
                 return true;
             }
-        // Leading one from bit 32 k + 31 - clz to bit 16 of g[9].
+        // Leading one from bit 32 k + 31 - clz to bit 16 of g[9]: shift is
+        // 2 to 144 (r4 < 2^15, k >= 5), so the five result words start at
+        // g[5 - shift / 32], at g[1] or above.
         const unsigned shift = 304 - (32 * static_cast<unsigned>(k) + 31 - static_cast<unsigned>(__builtin_clz(g[k])));
         const std::int32_t e_low = e - static_cast<std::int32_t>(shift);
         if (e_low <= 0) return false;
-        const std::uint32_t* h = g - (shift >> 5);
+        const std::uint32_t* h = g + (5 - (shift >> 5));
         const unsigned up_bits = shift & 31;
         auto up = [up_bits](std::uint32_t lo, std::uint32_t hi) { return (hi << up_bits) | ((lo >> 1) >> (31 - up_bits)); };
-        out[0] = up(h[5], h[6]);
-        out[1] = up(h[6], h[7]);
-        out[2] = up(h[7], h[8]);
-        out[3] = sign | (static_cast<std::uint32_t>(e_low) << 16) | (up(h[8], h[9]) & 0xFFFF);
+        out[0] = up(h[0], h[1]);
+        out[1] = up(h[1], h[2]);
+        out[2] = up(h[2], h[3]);
+        out[3] = sign | (static_cast<std::uint32_t>(e_low) << 16) | (up(h[3], h[4]) & 0xFFFF);
         return true;
     }
     // Leading one to bit 16 of the top word: the five words doubled, then
@@ -321,6 +324,7 @@ inline Real16* add_or_subtract_halves(Real16* result, const Real16* a, const Rea
     return result;
 }
 
+
 #if !defined(__x86_64__)
 template <std::uint64_t Flip>
 [[gnu::noinline]] Real16* general(Real16* result, const Real16* a, const Real16* b) {
@@ -356,6 +360,20 @@ inline Real16* add_or_subtract(Real16* result, const Real16* a, const Real16* b)
 }
 
 }  // namespace
+
+#if defined(__x86_64__)
+Halves add(Halves x, Halves y) {
+    Halves r;
+    if (attempt(x, y, 0, &r) != Status::ok) [[unlikely]] r = recover(x, y, 0);
+    return r;
+}
+Halves subtract(Halves x, Halves y) {
+    Halves r;
+    if (attempt(x, y, detail::kSign64, &r) != Status::ok) [[unlikely]] r = recover(x, y, detail::kSign64);
+    return r;
+}
+#endif
+
 }  // namespace mivor::quad
 
 extern "C" mivor_real16* g_aqaq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {

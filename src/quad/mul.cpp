@@ -23,6 +23,7 @@
 // for, else +HUGE whatever the sign.
 #include "mivor/mivor.h"
 #include "quad/fallbacks.h"
+#include "quad/operators.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -264,16 +265,21 @@ inline Status attempt(Halves x, Halves y, Halves* out) {
 }
 
 }  // namespace
+
+#if defined(__x86_64__)
+Halves multiply(Halves x, Halves y) {
+    Halves r;
+    if (attempt(x, y, &r) != Status::ok) [[unlikely]] r = recover(x, y);
+    return r;
+}
+#endif
+
 }  // namespace mivor::quad
 
 extern "C" mivor_real16* g_aqmq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
     using namespace mivor::quad;
 #if defined(__x86_64__)
-    const Halves x = detail::load(a), y = detail::load(b);
-    Halves r;
-    const Status s = attempt(x, y, &r);
-    if (s != Status::ok) [[unlikely]] r = recover(x, y);
-    detail::store(result, r);
+    detail::store(result, multiply(detail::load(a), detail::load(b)));
 #else
     // The first attempt on words, read straight from the operands and
     // written straight to the result, which may be either of them: the

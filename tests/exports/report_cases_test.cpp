@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "exports/registry.h"
+#include "mivor/matrix_args.h"
 #include "mivor/values.h"
 #include "support/recording_handler.h"
 
@@ -97,7 +98,14 @@ TEST(ReportCases, EachCaseReportsItsNumbersAndGivesBothFallbacks) {
     for (const Case& c : cases) {
         if (!c.row->thunk) continue;  // a case may come before its export
         Value args[8] = {};
-        ASSERT_TRUE(parse_arguments(c, args)) << where(c) << ": arguments do not fit " << c.row->args;
+        // A matrix export's one argument is a block; its text gives shapes.
+        std::unique_ptr<tool::MatrixCall> matrix;
+        if (c.row->args == "argblk") {
+            matrix = c.arguments.size() == 1 ? tool::MatrixCall::parse(*c.row, c.arguments[0]) : nullptr;
+            ASSERT_TRUE(matrix && matrix->place(args, std::size(args))) << where(c) << ": not A*B shapes";
+        } else {
+            ASSERT_TRUE(parse_arguments(c, args)) << where(c) << ": arguments do not fit " << c.row->args;
+        }
         for (const bool ieee : {true, false}) {
             // Declines every retry.
             RecordingHandler handler([](const mivor::testing::Report&, jwe_control_area&) { return false; });

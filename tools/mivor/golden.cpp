@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "exports/registry.h"
+#include "golden_matmul.h"
 #include "mivor/control_area.h"
 #include "values.h"
 
@@ -171,6 +172,7 @@ bool listed(std::string_view errors, std::int32_t number) {
 }
 
 bool supported(const exports::Row& row) {
+    if (is_matrix_export(row.name)) return true;
     for (std::string_view k : split_kinds(row.args))
         if (k == "desc" || k == "argblk") return false;
     return true;
@@ -208,6 +210,9 @@ int run_golden(const GoldenOptions& options) {
 
     bool failed = false;
     std::map<std::string, std::string> computed;
+    // Operands, results and cells of the matrix exports' cases.
+    std::vector<unsigned char> matrix_data(kMatrixDataBytes), matrix_pointers(kMatrixPointerBytes);
+    const MatrixArena arena{matrix_data.data(), matrix_data.size(), matrix_pointers.data(), matrix_pointers.size()};
     for (const exports::Row& row : exports::rows()) {
         if (!row.thunk) continue;
         if (!options.only.empty() && row.name != options.only) continue;
@@ -243,7 +248,12 @@ int run_golden(const GoldenOptions& options) {
             jwe_lca.ieee_results = (i & 1) ? 0 : 1;
             reports.clear();
             Value result{};
-            row.thunk(args, result);
+            if (is_matrix_export(row.name)) {
+                const auto bytes = run_matrix_case(row, random.state, args, std::size(args), arena);
+                digest = fnv1a(digest, bytes.data(), bytes.size());
+            } else {
+                row.thunk(args, result);
+            }
             if (row.name == options.perturb) flip_quiet_bits(row.result, result);
             // Every bit of the result counts, NaN payloads and quiet bits
             // included: the flavours must return the same bits.
