@@ -22,6 +22,7 @@ PACKAGES=(
   libmpfr-dev libgmp-dev sollya
   gfortran lib32gfortran-12-dev gfortran-mingw-w64-i686 libopenblas-dev
   libblas-test
+  clang libclang-rt-14-dev
 )
 
 # Google Benchmark for the i386 flavour's benchmarks.

@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds every flavour (host, host with ASan and
-# UBSan, i386, i386 with ASan and UBSan, win32) and runs every test suite,
-# the win32 one under 32-bit wine.  Each suite compares its flavour's golden
-# digests with the committed ones, so passing suites give the same bits
-# everywhere.  Each suite's line says how many tests its build registered
-# (ctest -N) and how many ran; a difference fails the run.  Ends with one
-# line "all: N passed, M failed" and the time taken.
+# UBSan, i386, i386 with ASan and UBSan, win32, and two clang builds,
+# host-fuzz and host-tsan) and runs every test suite, the win32 one under
+# 32-bit wine.  Each suite compares its flavour's golden digests with the
+# committed ones, so passing suites give the same bits everywhere.
+# host-fuzz runs a bounded fuzzing of every implemented export (libFuzzer,
+# ASan, UBSan), host-tsan every reentrant export from four threads under
+# ThreadSanitizer.  Each suite's line says how many tests its build
+# registered (ctest -N) and how many ran; a difference fails the run.  Ends
+# with one line "all: N passed, M failed" and the time taken.
 set -uo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
 cd "$root"
@@ -67,7 +70,7 @@ check() {
   if "$@"; then passed=$((passed + 1)); else failed=$((failed + 1)); failures+=("$name"); fi
 }
 
-presets=(host host-asan i386 i386-asan win32)
+presets=(host host-asan i386 i386-asan win32 host-fuzz host-tsan)
 for preset in "${presets[@]}"; do
   if ! build "$preset"; then failed=$((failed + 1)); failures+=("build $preset"); fi
 done

@@ -9,14 +9,14 @@
 
 #include <cstdio>
 #include <cstring>
-#include <fstream>
+#include <memory>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "exports/registry.h"
 #include "mivor/matrix_args.h"
+#include "mivor/report_cases.h"
 #include "mivor/values.h"
 #include "support/recording_handler.h"
 
@@ -25,70 +25,14 @@ namespace {
 using mivor::exports::Row;
 using mivor::exports::Value;
 using mivor::testing::RecordingHandler;
+using Case = mivor::tool::ReportCase;
 namespace tool = mivor::tool;
 
-struct Case {
-    int line = 0;
-    const Row* row = nullptr;
-    std::vector<std::string> arguments;
-    std::vector<std::int32_t> numbers;
-    std::string ieee, substitute;  // "*": not compared
-};
-
-std::vector<std::int32_t> parse_numbers(const std::string& text) {
-    std::vector<std::int32_t> out;
-    std::stringstream in(text);
-    std::string n;
-    while (std::getline(in, n, ',')) out.push_back(std::stoi(n));
-    return out;
-}
-
-// "export args... -> numbers ieee substitute", '#' comments.
 std::vector<Case> read_cases(std::vector<std::string>& problems) {
-    std::vector<Case> cases;
-    std::ifstream in(MIVOR_REPORT_CASES);
-    if (!in) problems.push_back("cannot read " MIVOR_REPORT_CASES);
-    std::string text;
-    for (int line = 1; std::getline(in, text); ++line) {
-        text = text.substr(0, text.find('#'));
-        std::stringstream words(text);
-        std::vector<std::string> w;
-        for (std::string word; words >> word;) w.push_back(word);
-        if (w.empty()) continue;
-        Case c;
-        c.line = line;
-        c.row = mivor::exports::find(w[0]);
-        std::size_t arrow = 1;
-        while (arrow < w.size() && w[arrow] != "->") c.arguments.push_back(w[arrow++]);
-        if (!c.row || arrow + 4 != w.size()) {
-            problems.push_back("line " + std::to_string(line) + ": not 'export args... -> numbers ieee substitute'");
-            continue;
-        }
-        c.numbers = parse_numbers(w[arrow + 1]);
-        c.ieee = w[arrow + 2];
-        c.substitute = w[arrow + 3];
-        cases.push_back(c);
-    }
-    return cases;
+    return tool::read_report_cases(MIVOR_REPORT_CASES, problems);
 }
 
 std::string where(const Case& c) { return std::string(c.row->name) + " (line " + std::to_string(c.line) + ")"; }
-
-bool parse_arguments(const Case& c, Value* args) {
-    const std::vector<std::string_view> kinds = tool::split_kinds(c.row->args);
-    if (kinds.size() != c.arguments.size()) return false;
-    for (std::size_t k = 0; k < kinds.size(); ++k) {
-        std::string_view kind = kinds[k];
-        if (kind == "anyreal") {  // its kind is named by the type code after it
-            auto code = k + 1 < kinds.size() ? tool::parse_value("i4", c.arguments[k + 1]) : std::nullopt;
-            kind = code ? tool::kind_of_type_code(code->i4) : std::string_view{};
-        }
-        auto v = tool::parse_value(kind, c.arguments[k]);
-        if (!v) return false;
-        args[k] = *v;
-    }
-    return true;
-}
 
 TEST(ReportCases, EachCaseReportsItsNumbersAndGivesBothFallbacks) {
     std::vector<std::string> problems;
@@ -104,7 +48,7 @@ TEST(ReportCases, EachCaseReportsItsNumbersAndGivesBothFallbacks) {
             matrix = c.arguments.size() == 1 ? tool::MatrixCall::parse(*c.row, c.arguments[0]) : nullptr;
             ASSERT_TRUE(matrix && matrix->place(args, std::size(args))) << where(c) << ": not A*B shapes";
         } else {
-            ASSERT_TRUE(parse_arguments(c, args)) << where(c) << ": arguments do not fit " << c.row->args;
+            ASSERT_TRUE(tool::case_arguments(c, args)) << where(c) << ": arguments do not fit " << c.row->args;
         }
         for (const bool ieee : {true, false}) {
             // Declines every retry.
@@ -134,7 +78,7 @@ TEST(ReportCases, EveryListedNumberOfAnImplementedExportHasACase) {
         for (std::int32_t n : c.numbers) covered.insert({c.row->name, n});
     for (const Row& row : mivor::exports::rows()) {
         if (!row.thunk || row.errors == "-") continue;
-        for (std::int32_t n : parse_numbers(std::string(row.errors)))
+        for (std::int32_t n : tool::parse_numbers(std::string(row.errors)))
             EXPECT_TRUE(covered.count({row.name, n})) << row.name << " lists error " << n << " but no case makes it";
     }
 }

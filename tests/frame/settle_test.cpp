@@ -179,7 +179,12 @@ TEST(Settle, ShortFormIgnoresRetryAndIeeeByte) {
 TEST(Settle, NoHandlerCountsAsADeclinedRetry) {
     RecordingHandler handler;
     jwe_lca.handler = nullptr;
-    EXPECT_EQ(pair_fallback(-1.0), -1.0);
+    // Whatever an earlier handler left in the retry word: nobody answered
+    // this report.
+    for (std::uint32_t stale : {0u, 1u}) {
+        jwe_lca.retry_word = stale;
+        EXPECT_EQ(pair_fallback(-1.0), -1.0);
+    }
 }
 
 }  // namespace
