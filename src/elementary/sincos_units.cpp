@@ -27,12 +27,13 @@
 //   |r| = 45 (1/2): the rounding of t = r^2 and of the last Horner sum,
 //   each 2^-53 of that correction, are 0.29 ulp of the result each, the
 //   last product 0.13, the fit up to 0.33, on top of the final rounding:
-//   about 1.25 ulp at the top of the range.  The quadrant sine's correction
-//   is as large (41%) and reaches the same.  Measured over 10^6 random
-//   arguments and the hard ranges (mivor accuracy --count 1000000): 1.26
-//   ulp for g_dsind (in the cosine series, |r| near 45), 1.18 for g_dcosd,
-//   1.18 for g_dsinq and 1.10 for g_dcosq; 0.5 at every multiple of a
-//   right angle and far from the top of the range.  The series and their
+//   at most 0.5 + 0.29 + 0.29 + 0.13 + 0.33 = 1.54 ulp at the top of the
+//   range.  The quadrant sine's correction is as large (41%) and reaches
+//   the same.  Measured over 10^6 random arguments and the hard ranges
+//   (mivor accuracy --count 1000000): 1.21 ulp for g_dsind (in the cosine
+//   series, |r| near 45), 1.32 for g_dcosd, 1.13 for g_dsinq and 1.16 for
+//   g_dcosq; exact at every multiple of a right angle, 0.5 far from the
+//   top of the range.  The series and their
 //   evaluation are the library's and are kept (in extended precision only
 //   the fit and the final rounding would remain, about 0.85 ulp, on the
 //   x87 unit at several times the cost).

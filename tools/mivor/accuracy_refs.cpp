@@ -615,11 +615,11 @@ constexpr Reference kReferences[] = {
     // unit.  The degree and quadrant sines and cosines carry the library's
     // fixed series (see the README); the poles of tan and cot report.
     {"g_dsind", sind, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard8, 1.3},
-    {"g_dcosd", cosd, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard8, 1.25},
+    {"g_dcosd", cosd, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard8, 1.4},
     {"g_dtand", tan_unit<360>, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard8, 0.8},
     {"g_dcotd", cot_unit<360>, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard8, 0.7},
     {"g_dsinq", sinq, {interval(-kDmax, kDmax)}, kQuadrantHard8, 1.25},
-    {"g_dcosq", cosq, {interval(-kDmax, kDmax)}, kQuadrantHard8, 1.15},
+    {"g_dcosq", cosq, {interval(-kDmax, kDmax)}, kQuadrantHard8, 1.25},
     {"g_dtanq", tan_unit<4>, {interval(-kDmax, kDmax)}, kQuadrantHard8, 0.8},
     {"g_dcotq", cot_unit<4>, {interval(-kDmax, kDmax)}, kQuadrantHard8, 0.7},
     {"g_sind", sind, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard4, 0.51, kUnbounded, fast_sin_unit<90>, 50},
