@@ -116,7 +116,7 @@ extern "C" float g_cbrt(const float* arg) {
         y = x;
     } else {
         x87::ExtendedPrecision scope;
-        y = static_cast<float>(cube_root(x, scope));
+        y = scope.to_float(cube_root(x, scope));
     }
     return negative ? -y : y;
 }

@@ -31,6 +31,7 @@
 #include <cstdint>
 
 #include "elementary/exp_data.h"
+#include "elementary/exp_kernel.h"
 #include "elementary/exp_log.h"
 #include "elementary/lanes.h"
 #include "frame/dispatch.h"
@@ -44,39 +45,13 @@ using mivor::elementary::Lanes;
 using mivor::elementary::lanes;
 using mivor::elementary::opaque;
 using mivor::elementary::twice;
+using namespace mivor::elementary::exp_kernel;
 
 namespace {
 
-constexpr double LG2 = 0x1.71547652b82fep+0;    // 1/ln 2
-constexpr double BIG = 0x1.8p+44;               // ulp 2^-8: rounds to k/256
-constexpr double LG2B = -0x1.62e42fep-1;        // -ln 2, high part: 28 bits, k*LG2B exact
-constexpr double LG2C = -0x1.f473de6af278ep-30; // -ln 2, low part
-// e^r = 1 + r q(r), |r| <= 2^-9.4; fitted, relative error of 1 + r q
-// below 2^-62 on that range.
-constexpr double P1 = 0x1.fffffffffffb1p-1;
-constexpr double P2 = 0x1.000000000003bp-1;
-constexpr double P3 = 0x1.555557e548294p-3;
-constexpr double P4 = 0x1.5555544670f74p-5;
 constexpr double cmp1 = 0x1.6233p+9;                  // 708.3984375
 constexpr double kUnderflow = -0x1.628b645a1cac1p+9;  // -709.089
 constexpr double kOverflow = 0x1.62e4189374bc7p+9;    // 709.782
-constexpr std::uint64_t kOneBits = 0x3FF0000000000000u;
-
-struct Reduced {
-    std::uint64_t s;  // bits of BIG + x/ln2: k in the low bits
-    double y;         // 2^(j/256) e^r, in [0.9993, 2)
-};
-
-inline Reduced reduce(double x) {
-    const double s = BIG + x * LG2;
-    const double t = s - BIG;  // k/256 exactly
-    const double r = (x + t * LG2B) + t * LG2C;
-    const double r2 = r * r;
-    const double q = (P1 + P2 * r) + (P3 + P4 * r) * r2;
-    const std::uint64_t sb = bits_of(s);
-    const auto& e = exp_e[sb & 255];
-    return {sb, (q * (r * e.hi) + e.lo) + e.hi};
-}
 
 [[gnu::cold, gnu::noinline]] double guarded(double x) {
     return report::settle<report::Form::direct>(
@@ -106,9 +81,7 @@ inline Reduced reduce(double x) {
 extern "C" MIVOR_DISPATCHED double g_dexp(const double* arg) {
     const double x = *arg;
     if (!(x >= cmp1 || x <= -cmp1)) {  // |x| < 708.3984375 or NaN
-        const Reduced red = reduce(x);
-        const double scale = double_from_bits(((red.s >> 8) << 52) + kOneBits);
-        return red.y * scale;
+        return mivor::elementary::exp_kernel::fast(x);
     }
     return guarded(x);
 }

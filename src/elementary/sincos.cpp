@@ -34,6 +34,7 @@
 // deliberately inside [-1, 1].
 #include <emmintrin.h>
 
+#include <array>
 #include <bit>
 
 #include "elementary/lanes.h"
@@ -264,3 +265,105 @@ extern "C" MIVOR_DISPATCHED double g_dsin(const double* arg) { return sin_or_cos
 extern "C" MIVOR_DISPATCHED double g_dcos(const double* arg) { return sin_or_cos<true>(arg); }
 extern "C" MIVOR_DISPATCHED __m128d pk_dsin(__m128d x) { return packed<false>(x); }
 extern "C" MIVOR_DISPATCHED __m128d pk_dcos(__m128d x) { return packed<true>(x); }
+
+namespace mivor::elementary {
+namespace {
+
+// The packed table of g_dscn: for every point j the coefficients 1..4 of
+// the sine row and the cosine row side by side, (s_i, c_i), so that one
+// aligned load feeds both lanes of the polynomial.  Built at compile time
+// from the table of g_dsin: the same values.
+struct alignas(16) PairRow {
+    double g[4][2];
+};
+consteval std::array<PairRow, tab::kRows> make_pair_rows() {
+    std::array<PairRow, tab::kRows> rows{};
+    for (int j = 0; j < tab::kRows; ++j)
+        for (int i = 0; i < 4; ++i) rows[j].g[i][0] = tab::sc[j][0][i + 1], rows[j].g[i][1] = tab::sc[j][1][i + 1];
+    return rows;
+}
+inline constexpr std::array<PairRow, tab::kRows> kPairRows = make_pair_rows();
+
+// sin and cos of k pi/2 + hi + lo, the sine with the sign `sx`: the forms
+// of `evaluate` for both rows of the point, dP4 for both in one two-lane
+// register (lane-wise the same operations, so the same bits as two calls
+// of `evaluate`), then the sine form from the sine row and the cosine form
+// from the cosine row, given to sin x and cos x as the quadrant says.
+struct SinCos8 {
+    double s, c;
+};
+inline SinCos8 evaluate_pair(ReducedLanes r, Sd sx) {
+    const Sd mask = lanes(kSignMask);
+    const Sd sr = _mm_and_pd(r.hi, mask);
+    const Sd hi = _mm_andnot_pd(mask, r.hi);
+    const Sd lo = _mm_xor_pd(r.lo, sr);
+    const Sd jb = _mm_add_sd(hi, sd(BH));
+    const std::uint32_t j = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_castpd_si128(jb)));
+    const Sd d = _mm_sub_sd(hi, _mm_sub_sd(jb, sd(BH)));
+    const double* gs = tab::sc[j][0];
+    const double* gc = tab::sc[j][1];
+    const auto S = [gs](int i) { return _mm_load_sd(gs + i); };
+    const auto C = [gc](int i) { return _mm_load_sd(gc + i); };
+    const PairRow& pr = kPairRows[j];
+    const auto G = [&pr](int i) { return _mm_load_pd(pr.g[i - 1]); };
+    const __m128d dd = _mm_unpacklo_pd(d, d);
+    const __m128d dp4 = _mm_mul_pd(dd, _mm_add_pd(_mm_add_pd(_mm_mul_pd(dd, G(2)), G(1)),
+                                                 _mm_mul_pd(_mm_mul_pd(dd, dd), _mm_add_pd(_mm_mul_pd(dd, G(4)), G(3)))));
+    const Sd dp4s = dp4;
+    const Sd dp4c = _mm_unpackhi_pd(dp4, dp4);
+    const Sd z = _mm_mul_sd(hi, hi);
+    // The cosine form (cosine row).
+    const Sd sn = _mm_mul_sd(hi, _mm_sub_sd(sd(1.0), _mm_mul_sd(z, sd(1.0 / 6))));
+    const Sd vc = _mm_add_sd(_mm_add_sd(_mm_sub_sd(dp4c, _mm_mul_sd(lo, sn)), C(5)), C(0));
+    // The sine form (sine row), with the sign of hi.
+    const Sd cs = _mm_sub_sd(sd(1.0), _mm_mul_sd(z, _mm_sub_sd(sd(0.5), _mm_mul_sd(z, sd(1.0 / 24)))));
+    Sd vs;
+    if (j < kLargeRows)
+        vs = _mm_add_sd(hi, _mm_add_sd(_mm_mul_sd(lo, cs), _mm_mul_sd(hi, _mm_add_sd(dp4s, S(0)))));
+    else
+        vs = _mm_add_sd(_mm_add_sd(_mm_add_sd(_mm_mul_sd(d, S(7)), S(6)),
+                                   _mm_add_sd(_mm_mul_sd(lo, cs), _mm_mul_sd(hi, dp4s))),
+                        S(5));
+    vs = _mm_xor_pd(vs, sr);
+    // k even: sin x = +-vs, cos x = +-vc; k odd: sin x = +-vc, cos x = -+vs
+    // (quadrant signs: sin negative in quadrants 2, 3; cos in 1, 2).
+    // Selected by masks: random quadrants would mispredict a branch.
+    const std::uint32_t n = r.k;
+    const Sd odd = _mm_castsi128_pd(_mm_set1_epi32(-static_cast<std::int32_t>(n & 1)));
+    const Sd first = _mm_or_pd(_mm_and_pd(odd, vc), _mm_andnot_pd(odd, vs));
+    const Sd second = _mm_or_pd(_mm_and_pd(odd, vs), _mm_andnot_pd(odd, vc));
+    const Sd s = _mm_xor_pd(first, _mm_xor_pd(sx, _mm_load_sd(&kQuadrantSign[n & 3])));
+    const Sd c = _mm_xor_pd(second, _mm_load_sd(&kQuadrantSign[(n + 1) & 3]));
+    return {_mm_cvtsd_f64(s), _mm_cvtsd_f64(c)};
+}
+
+}  // namespace
+}  // namespace mivor::elementary
+
+// g_dscn: (sin x, cos x).  For |x| <= 1.05e8 one reduction (the ladder of
+// exact shifts below 9pi/4, the two-piece Cody-Waite step with k for every
+// argument above, as g_dsin and g_dcos and the two-lane kernel do), and
+// both rows of the table point from the packed table, the sine form and the
+// cosine form given to sin x and cos x as the quadrant says: the bits of
+// g_dsin and g_dcos.  The ladder rather than k for every argument below
+// 9pi/4 (pk_dsin's choice) keeps the pair equal to the single functions,
+// and its exact shifts are the shorter dependency chain.  Otherwise
+// (larger, infinite, NaN) g_dsin and then g_dcos, so a refused argument
+// reports 203 twice.
+extern "C" MIVOR_DISPATCHED mivor_complex8* g_dscn(mivor_complex8* result, const double* arg) {
+    const double x = *arg;
+    const Sd xv = _mm_set_sd(x);
+    const Sd a = _mm_andnot_pd(lanes(kSignMask), xv);
+    if (!(_mm_cvtsd_f64(a) <= XBIG)) {
+        const double s = sin_or_cos<false>(&x);
+        const double c = sin_or_cos<true>(&x);
+        result->re = s;
+        result->im = c;
+        return result;
+    }
+    const ReducedLanes r = _mm_cvtsd_f64(a) < Q9P ? ladder(a) : reduce_medium_lanes(a);
+    const SinCos8 v = evaluate_pair(r, _mm_and_pd(xv, lanes(kSignMask)));
+    result->re = v.s;
+    result->im = v.c;
+    return result;
+}

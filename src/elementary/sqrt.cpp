@@ -46,5 +46,5 @@ extern "C" float g_sqrt(const float* arg) {
     float x = *arg;
     if (!(x > 0.0f || x != x)) x = root_argument(x, Error::sqrt_negative_r4, _NaN_F);
     x87::ExtendedPrecision scope;
-    return static_cast<float>(scope.pin(x87::fsqrt(scope.pin(x))));
+    return scope.to_float(x87::fsqrt(scope.pin(x)));
 }

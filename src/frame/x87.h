@@ -33,6 +33,20 @@ public:
         return v;
     }
 
+    // v rounded to double or float within the scope: the conversion is a
+    // store that the rounding control affects, and it must not drift past
+    // the restoring of the caller's control word.
+    static double to_double(long double v) {
+        double d = static_cast<double>(pin(v));
+        __asm__ __volatile__("" : "+m"(d));
+        return d;
+    }
+    static float to_float(long double v) {
+        float f = static_cast<float>(pin(v));
+        __asm__ __volatile__("" : "+m"(f));
+        return f;
+    }
+
 private:
     static constexpr std::uint16_t kPrecisionAndRounding = 0x0F00;  // PC bits 8-9, RC bits 10-11
     static constexpr std::uint16_t kExtendedNearest = 0x0300;       // PC = 64 bits, RC = nearest
@@ -44,6 +58,16 @@ private:
 inline long double fsqrt(long double v) {
     __asm__("fsqrt" : "+t"(v));
     return v;
+}
+
+// FPATAN: the angle of the point (x, y), atan(y/x) placed in (-pi, pi] by
+// the signs of both, as the processor's partial arctangent gives it (within
+// one unit of a 64-bit significand).  The instruction leaves its result in
+// st(1) and pops: the operand there is consumed.
+inline long double fpatan(long double y, long double x) {
+    long double angle;
+    __asm__("fpatan" : "=t"(angle) : "0"(x), "u"(y) : "st(1)");
+    return angle;
 }
 
 }  // namespace mivor::x87

@@ -200,6 +200,13 @@ bool own_number(const Row& row, std::int32_t number) {
     return std::find(operators.begin(), operators.end(), number) == operators.end();
 }
 
+// The sine-cosine pairs hand a refused argument to the sine and then to
+// the cosine, each reporting with its own retry: a correction reruns one
+// half, not the pair, so no argument of the pair expresses it.
+bool halves_retry_alone(const Row& row) {
+    return row.name == "g_dscn" || row.name == "g_dscnq" || row.name == "g_scns";
+}
+
 // ---- one call ---------------------------------------------------------------
 
 // What the handler sees and does during one call.
@@ -338,7 +345,7 @@ void hostile_handler(void* record) {
             // operands are the export's arguments: as many, of the same
             // kinds, with the same bits.  (A report of an inner REAL(16)
             // operator, or of a restart on -x, retries a step only.)
-            const bool maps = own_number(*s.c->row, number) && copies.count == static_cast<int>(s.kinds.size()) &&
+            const bool maps = own_number(*s.c->row, number) && !halves_retry_alone(*s.c->row) && copies.count == static_cast<int>(s.kinds.size()) &&
                               tool::descriptor_code(s.kinds[static_cast<std::size_t>(slot)]) ==
                                   tool::descriptor_code(copies.kind[slot]) &&
                               std::memcmp(s.final_args[slot].bytes, copies.at[slot], width) == 0;

@@ -171,6 +171,9 @@ constexpr std::array<Range, 8> trig_ranges(double nearest, double ladder, double
 }
 constexpr auto kSinCosHard8 = trig_ranges(3.0, 1.5, 0.6);
 constexpr auto kTanCotHard8 = trig_ranges(1.0, 1.0, 1.0);
+// The pair (sin, cos) is bounded by its norm error: two parts within e
+// ulps give up to e sqrt(2) ulps of |y|.
+constexpr auto kSinCosPairHard8 = trig_ranges(3.0, 1.5, 0.85);
 constexpr Range kTrigHard4[] = {
     {"near k pi/2, |k| <= 8", near_multiples(-8, 8, mpfr_const_pi, 0.5)},
     {"near k pi/2, k to 5e5", near_multiples(9, 520000, mpfr_const_pi, 0.5)},
@@ -192,6 +195,220 @@ long double fast_cos(long double x) { return std::cos(static_cast<double>(x)); }
 long double fast_tan(long double x) { return std::tan(static_cast<double>(x)); }
 long double fast_cot(long double x) { return 1.0L / std::tan(static_cast<double>(x)); }
 constexpr int kGlibcBits = 50;
+
+// ---- inverse circular functions ----------------------------------------------
+
+// asin, acos: both ends, the hand-overs at 1/2 and sqrt(1/2), tiny.
+constexpr Range kAsinHard8[] = {
+    {"near 1", bits(0.999, 1.0)},
+    {"near -1", bits(-1.0, -0.999)},
+    {"near 1/2", bits(0.49, 0.51)},
+    {"near sqrt(1/2)", bits(0.70, 0.715, both_signs)},
+    {"tiny", log_uniform(0x1p-60, 0x1p-20, both_signs)},
+};
+// atan: tiny, near 1, huge.
+constexpr Range kAtanHard8[] = {
+    {"tiny", log_uniform(0x1p-60, 0x1p-20, both_signs)},
+    {"near 1", bits(0.9, 1.1, both_signs)},
+    {"huge", log_uniform(0x1p20, 0x1p60, both_signs)},
+};
+
+// atan2: y = x t with x from the domain and t from a range, so that the
+// angle comes close to 0 or +-pi (t tiny), +-pi/4 or +-3pi/4 (t near +-1),
+// +-pi/2 (t huge).
+template <const Axis& ratio>
+void y_over_x(Draw& d, const mpfr_ptr* c) {
+    d.axis(1, {}, c[1]);
+    d.axis(0, ratio, c[0]);
+    mpfr_mul(c[0], c[0], c[1], MPFR_RNDN);
+    d.round(0, c[0]);
+}
+constexpr Axis kRatioTiny = log_uniform(0x1p-60, 0x1p-20, both_signs);
+constexpr Axis kRatioNear1 = log_uniform(0.99, 1.01, both_signs);
+constexpr Axis kRatioHuge = log_uniform(0x1p20, 0x1p60, both_signs);
+constexpr Range kAtan2Hard[] = {
+    {"y/x tiny (angle near 0, pi)", y_over_x<kRatioTiny>},
+    {"y/x near +-1 (near +-pi/4, +-3pi/4)", y_over_x<kRatioNear1>},
+    {"y/x huge (angle near +-pi/2)", y_over_x<kRatioHuge>},
+};
+
+// The library's atan2 takes a -0.0 argument as +0.0, on purpose
+// (atan2(-0.0, -1.0) = +pi): the reference does the same.
+template <int (*F)(mpfr_ptr, mpfr_srcptr, mpfr_srcptr, mpfr_rnd_t)>
+int unsigned_zeros(mpfr_ptr r, mpfr_srcptr y, mpfr_srcptr x, mpfr_rnd_t rnd) {
+    mpfr_t zero;
+    mpfr_init2(zero, MPFR_PREC_MIN);
+    mpfr_set_zero(zero, 1);
+    const int inexact = F(r, mpfr_zero_p(y) ? zero : y, mpfr_zero_p(x) ? zero : x, rnd);
+    mpfr_clear(zero);
+    return inexact;
+}
+constexpr auto atan2r = unsigned_zeros<mpfr_atan2>;
+
+// The degree and quadrant inverses as MPFR's unit forms.
+constexpr auto asind = unit<mpfr_asinu, 360>, acosd = unit<mpfr_acosu, 360>, atand = unit<mpfr_atanu, 360>;
+constexpr auto asinq = unit<mpfr_asinu, 4>, acosq = unit<mpfr_acosu, 4>, atanq = unit<mpfr_atanu, 4>;
+constexpr auto atan2d = unsigned_zeros<unit2<mpfr_atan2u, 360>>, atan2q = unsigned_zeros<unit2<mpfr_atan2u, 4>>;
+
+// ---- circular functions of degrees and quadrants ------------------------------
+
+// The multiples of a right angle exactly (where the results must be exact),
+// near them, near the odd multiples of half of it, far out, tiny.
+constexpr double kDegreeMax = 2.0299980817930646e17;  // just below the refusal limit
+constexpr Range kDegreeHard8[] = {
+    {"k 90 exactly, |k| to 2^40", near_multiples(-1099511627776, 1099511627776, nullptr, 90.0, 0, 0)},
+    {"near k 90, |k| <= 8", near_multiples(-8, 8, nullptr, 90.0)},
+    {"near k 90, k to 2^40", near_multiples(9, 1099511627776, nullptr, 90.0)},
+    {"near odd k 45", near_multiples(-1000001, 1000001, nullptr, 45.0)},
+    {"beyond 2^52", log_uniform(0x1p52, kDegreeMax, both_signs)},
+    {"tiny", log_uniform(0x1p-60, 0x1p-20, both_signs)},
+};
+constexpr Range kQuadrantHard8[] = {
+    {"integers exactly, |k| to 2^52", near_multiples(-4503599627370496, 4503599627370496, nullptr, 1.0, 0, 0)},
+    {"near integers, |k| <= 8", near_multiples(-8, 8, nullptr, 1.0)},
+    {"near integers, k to 2^40", near_multiples(9, 1099511627776, nullptr, 1.0)},
+    {"near halves", near_multiples(-1000001, 1000001, nullptr, 0.5)},
+    {"beyond 2^50", log_uniform(0x1p50, 0x1p60, both_signs)},
+    {"tiny", log_uniform(0x1p-60, 0x1p-20, both_signs)},
+};
+constexpr Range kDegreeHard4[] = {
+    {"k 90 exactly, |k| to 2^20", near_multiples(-1048576, 1048576, nullptr, 90.0, 0, 0)},
+    {"near k 90, k to 2^20", near_multiples(-1048576, 1048576, nullptr, 90.0)},
+    {"near odd k 45", near_multiples(-100001, 100001, nullptr, 45.0)},
+    {"tiny", log_uniform(0x1p-30, 0x1p-10, both_signs)},
+};
+constexpr Range kQuadrantHard4[] = {
+    {"integers exactly, |k| to 2^24", near_multiples(-16777216, 16777216, nullptr, 1.0, 0, 0)},
+    {"near integers, k to 2^20", near_multiples(-1048576, 1048576, nullptr, 1.0)},
+    {"near halves", near_multiples(-100001, 100001, nullptr, 0.5)},
+    {"tiny", log_uniform(0x1p-30, 0x1p-10, both_signs)},
+};
+
+constexpr auto sind = unit<mpfr_sinu, 360>, cosd = unit<mpfr_cosu, 360>;
+constexpr auto sinq = unit<mpfr_sinu, 4>, cosq = unit<mpfr_cosu, 4>;
+// tan and cot in a unit.  At a pole the export reports and, declined,
+// returns +Inf whichever the side; the reference says the same there.
+template <unsigned long turn>
+int tan_unit(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rnd) {
+    const int t = mpfr_tanu(y, x, turn, rnd);
+    if (mpfr_inf_p(y)) mpfr_set_inf(y, 1);
+    return t;
+}
+template <unsigned long turn>
+int cot_unit(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rnd) {
+    mpfr_t t;
+    mpfr_init2(t, mpfr_get_prec(y) + 20);
+    mpfr_tanu(t, x, turn, MPFR_RNDN);  // exact only at 0, +-1 and the poles
+    int inexact = 0;
+    if (mpfr_zero_p(t)) mpfr_set_inf(y, 1);
+    else if (mpfr_inf_p(t)) mpfr_set_zero(y, mpfr_signbit(t) ? -1 : 1);
+    else if (mpfr_cmpabs_ui(t, 1) == 0) mpfr_set(y, t, rnd);
+    else {
+        // 1/tan with 20 more bits is within 2^-19 ulp: enough for the
+        // judge, which asks for 8 ulps at its working precision.
+        inexact = mpfr_ui_div(y, 1, t, rnd);
+        if (inexact == 0) inexact = 1;
+    }
+    mpfr_clear(t);
+    return inexact;
+}
+
+// REAL(4) fast references.  The argument, exact in extended precision, is
+// reduced by a right angle exactly there (n and x - n right are exact with
+// a 64-bit significand), the remainder turned into radians and rounded to
+// double (2^-53), then the platform's double sine or cosine (within an ulp):
+// within 2^-51 (relative); tan and cot as their quotient, 2^-50.
+template <int right>  // 90 or 1
+long double sin_cos_unit(long double x, bool cosine) {
+    constexpr long double radians = right == 90 ? 0x8efa351294e9c8aep-69L : 0xc90fdaa22168c235p-63L;
+    const long double n = std::nearbyint(x / right);
+    const double r = static_cast<double>((x - n * right) * radians);
+    const auto q = static_cast<int>(static_cast<long long>(std::fmod(n, 4.0L)) + 4 + (cosine ? 1 : 0)) & 3;
+    const double v = (q & 1) ? std::cos(r) : std::sin(r);
+    return (q & 2) ? -v : v;
+}
+template <int right>
+long double fast_sin_unit(long double x) { return sin_cos_unit<right>(x, false); }
+template <int right>
+long double fast_cos_unit(long double x) { return sin_cos_unit<right>(x, true); }
+template <int right>
+long double fast_tan_unit(long double x) {
+    const long double s = sin_cos_unit<right>(x, false), c = sin_cos_unit<right>(x, true);
+    return c == 0 ? HUGE_VALL : s / c;
+}
+template <int right>
+long double fast_cot_unit(long double x) {
+    const long double s = sin_cos_unit<right>(x, false), c = sin_cos_unit<right>(x, true);
+    return s == 0 ? HUGE_VALL : c / s;
+}
+// The inverses: the platform's double function (2^-52) times the unit.
+constexpr long double kDegreesPerRadian = 0xe52ee0d31e0fbdc3p-58L, kQuadrantsPerRadian = 0xa2f9836e4e44152ap-64L;
+long double fast_asin(long double x) { return std::asin(static_cast<double>(x)); }
+long double fast_acos(long double x) { return std::acos(static_cast<double>(x)); }
+long double fast_atan(long double x) { return std::atan(static_cast<double>(x)); }
+template <long double (*f)(long double), const long double& unit>
+long double fast_scaled(long double x) { return f(x) * unit; }
+
+// ---- hyperbolic functions ------------------------------------------------------
+
+// The range splits at 1 and 18.4, the last 0.7 before overflow.
+constexpr double kCoshMax8 = 710.47;
+constexpr double kCoshMax4 = 89.41;
+constexpr Range kSinhHard8[] = {
+    {"near 1", bits(0.9, 1.1, both_signs)},
+    {"near 18.4", bits(18.0, 19.5, both_signs)},
+    {"near overflow", bits(700.0, kCoshMax8, both_signs)},
+    {"tiny", log_uniform(0x1p-60, 0x1p-20, both_signs)},
+};
+constexpr Range kTanhHard8[] = {
+    {"near 1", bits(0.9, 1.1, both_signs)},
+    {"near 18.37", bits(17.5, 20.0, both_signs)},
+    {"tiny", log_uniform(0x1p-60, 0x1p-20, both_signs)},
+};
+// Quadrant pairs: the same splits over pi/2.
+constexpr Range kSinhQuadrantHard8[] = {
+    {"near 2/pi", bits(0.6, 0.7, both_signs)},
+    {"near 11.7", bits(11.4, 12.5, both_signs)},
+    {"near overflow", bits(445.0, 452.3, both_signs)},
+    {"tiny", log_uniform(0x1p-60, 0x1p-20, both_signs)},
+};
+constexpr Range kSinhHard4[] = {
+    {"near 1", bits(0.9, 1.1, both_signs)},
+    {"near overflow", bits(85.0, kCoshMax4, both_signs)},
+    {"tiny", log_uniform(0x1p-30, 0x1p-10, both_signs)},
+};
+constexpr Range kSinhQuadrantHard4[] = {
+    {"near 2/pi", bits(0.6, 0.7, both_signs)},
+    {"near overflow", bits(54.0, 56.9, both_signs)},
+    {"tiny", log_uniform(0x1p-30, 0x1p-10, both_signs)},
+};
+long double fast_sinh(long double x) { return std::sinh(static_cast<double>(x)); }
+long double fast_cosh(long double x) { return std::cosh(static_cast<double>(x)); }
+long double fast_tanh(long double x) { return std::tanh(static_cast<double>(x)); }
+
+// ---- the pairs ---------------------------------------------------------------------
+
+bool sin_cos(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) { return mpfr_sin_cos(re, im, x[0], MPFR_RNDN) == 0; }
+bool sin_cos_quadrants(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    const int a = mpfr_sinu(re, x[0], 4, MPFR_RNDN);
+    return (mpfr_cosu(im, x[0], 4, MPFR_RNDN) | a) == 0;
+}
+bool sinh_cosh(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    return mpfr_sinh_cosh(re, im, x[0], MPFR_RNDN) == 0;
+}
+// sinh and cosh of x pi/2: x pi/2 with 64 bits more than the result, whose
+// relative error (times |x pi/2| <= 2^10) stays far below an ulp.
+bool sinh_cosh_quadrants(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    if (mpfr_zero_p(x[0])) return mpfr_sinh_cosh(re, im, x[0], MPFR_RNDN) == 0;
+    mpfr_t t;
+    mpfr_init2(t, mpfr_get_prec(re) + 64);
+    mpfr_const_pi(t, MPFR_RNDN);
+    mpfr_mul(t, t, x[0], MPFR_RNDN);
+    mpfr_div_2ui(t, t, 1, MPFR_RNDN);
+    mpfr_sinh_cosh(re, im, t, MPFR_RNDN);
+    mpfr_clear(t);
+    return false;
+}
 
 // ---- REAL(16) operators and conversions ---------------------------------------
 
@@ -535,6 +752,74 @@ constexpr Reference kReferences[] = {
     {"g_cos", mpfr_cos, {interval(-823000.0, 823000.0)}, kTrigHard4, 0.51, kUnbounded, fast_cos, kGlibcBits},
     {"g_tan", mpfr_tan, {interval(-823000.0, 823000.0)}, kTrigHard4, 0.51, kUnbounded, fast_tan, kGlibcBits},
     {"g_cotan", mpfr_cot, {magnitudes(0x1p-126, 823000.0)}, kTrigHard4, 0.51, kUnbounded, fast_cot, kGlibcBits},
+
+    // Inverse circular functions in radians, degrees and quadrants.  The
+    // arctangents are FPATAN's extended value (g_datan keeps it) rounded.
+    {"g_dasin", mpfr_asin, {interval(-1.0, 1.0)}, kAsinHard8, 0.75},
+    {"g_dacos", mpfr_acos, {interval(-1.0, 1.0)}, kAsinHard8, 0.75},
+    {"g_datan", mpfr_atan, {interval(-kDmax, kDmax)}, kAtanHard8, 0.5005},
+    {"g_datan2", atan2r, {interval(-kDmax, kDmax), interval(-kDmax, kDmax)}, kAtan2Hard, 0.5005},
+    {"g_dasind", asind, {interval(-1.0, 1.0)}, kAsinHard8, 0.75},
+    {"g_dacosd", acosd, {interval(-1.0, 1.0)}, kAsinHard8, 0.75},
+    {"g_datand", atand, {interval(-kDmax, kDmax)}, kAtanHard8, 0.501},
+    {"g_dtan2d", atan2d, {interval(-kDmax, kDmax), interval(-kDmax, kDmax)}, kAtan2Hard, 0.501},
+    {"g_dasinq", asinq, {interval(-1.0, 1.0)}, kAsinHard8, 0.82},
+    {"g_dacosq", acosq, {interval(-1.0, 1.0)}, kAsinHard8, 0.7},
+    {"g_datanq", atanq, {interval(-kDmax, kDmax)}, kAtanHard8, 0.501},
+    {"g_dtan2q", atan2q, {interval(-kDmax, kDmax), interval(-kDmax, kDmax)}, kAtan2Hard, 0.501},
+    {"g_asin", mpfr_asin, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_asin, kGlibcBits},
+    {"g_acos", mpfr_acos, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_acos, kGlibcBits},
+    {"g_atan", mpfr_atan, {interval(-kFmax, kFmax)}, {}, 0.5, kUnbounded, fast_atan, kGlibcBits},
+    {"g_atan2", atan2r, {interval(-kFmax, kFmax), interval(-kFmax, kFmax)}, kAtan2Hard, 0.5},
+    {"g_asind", asind, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_scaled<fast_asin, kDegreesPerRadian>, kGlibcBits},
+    {"g_acosd", acosd, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_scaled<fast_acos, kDegreesPerRadian>, kGlibcBits},
+    {"g_atand", atand, {interval(-kFmax, kFmax)}, {}, 0.5, kUnbounded, fast_scaled<fast_atan, kDegreesPerRadian>, kGlibcBits},
+    {"g_atan2d", atan2d, {interval(-kFmax, kFmax), interval(-kFmax, kFmax)}, kAtan2Hard, 0.5},
+    {"g_asinq", asinq, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_scaled<fast_asin, kQuadrantsPerRadian>, kGlibcBits},
+    {"g_acosq", acosq, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_scaled<fast_acos, kQuadrantsPerRadian>, kGlibcBits},
+    {"g_atanq", atanq, {interval(-kFmax, kFmax)}, {}, 0.5, kUnbounded, fast_scaled<fast_atan, kQuadrantsPerRadian>, kGlibcBits},
+    {"g_atan2q", atan2q, {interval(-kFmax, kFmax), interval(-kFmax, kFmax)}, kAtan2Hard, 0.5},
+
+    // Circular functions of degrees and quadrants, references exact in the
+    // unit.  The degree and quadrant sines and cosines carry the library's
+    // fixed series (see the README); the poles of tan and cot report.
+    {"g_dsind", sind, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard8, 1.3},
+    {"g_dcosd", cosd, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard8, 1.4},
+    {"g_dtand", tan_unit<360>, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard8, 0.8},
+    {"g_dcotd", cot_unit<360>, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard8, 0.7},
+    {"g_dsinq", sinq, {interval(-kDmax, kDmax)}, kQuadrantHard8, 1.25},
+    {"g_dcosq", cosq, {interval(-kDmax, kDmax)}, kQuadrantHard8, 1.25},
+    {"g_dtanq", tan_unit<4>, {interval(-kDmax, kDmax)}, kQuadrantHard8, 0.8},
+    {"g_dcotq", cot_unit<4>, {interval(-kDmax, kDmax)}, kQuadrantHard8, 0.7},
+    {"g_sind", sind, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard4, 0.51, kUnbounded, fast_sin_unit<90>, 50},
+    {"g_cosd", cosd, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard4, 0.51, kUnbounded, fast_cos_unit<90>, 50},
+    {"g_tand", tan_unit<360>, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard4, 0.51, kUnbounded, fast_tan_unit<90>, 49},
+    {"g_cotd", cot_unit<360>, {interval(-kDegreeMax, kDegreeMax)}, kDegreeHard4, 0.51, kUnbounded, fast_cot_unit<90>, 49},
+    {"g_sinq", sinq, {interval(-kFmax, kFmax)}, kQuadrantHard4, 0.51, kUnbounded, fast_sin_unit<1>, 50},
+    {"g_cosq", cosq, {interval(-kFmax, kFmax)}, kQuadrantHard4, 0.51, kUnbounded, fast_cos_unit<1>, 50},
+    {"g_tanq", tan_unit<4>, {interval(-kFmax, kFmax)}, kQuadrantHard4, 0.51, kUnbounded, fast_tan_unit<1>, 49},
+    {"g_cotq", cot_unit<4>, {interval(-kFmax, kFmax)}, kQuadrantHard4, 0.51, kUnbounded, fast_cot_unit<1>, 49},
+
+    // Hyperbolic functions: e^|x|/2 alone from 18.4 on, and (0.5 E) E next
+    // to the overflow limit, are the library's range plan (see the README).
+    {"g_dsinh", mpfr_sinh, {interval(-kCoshMax8, kCoshMax8)}, kSinhHard8, 1.9},
+    {"g_dcosh", mpfr_cosh, {interval(-kCoshMax8, kCoshMax8)}, kSinhHard8, 1.9},
+    {"g_dtanh", mpfr_tanh, {interval(-kDmax, kDmax)}, kTanhHard8, 2.05},
+    {"g_sinh", mpfr_sinh, {interval(-kCoshMax4, kCoshMax4)}, kSinhHard4, 0.51, kUnbounded, fast_sinh, kGlibcBits},
+    {"g_cosh", mpfr_cosh, {interval(-kCoshMax4, kCoshMax4)}, kSinhHard4, 0.51, kUnbounded, fast_cosh, kGlibcBits},
+    {"g_tanh", mpfr_tanh, {interval(-kFmax, kFmax)}, {}, 0.51, kUnbounded, fast_tanh, kGlibcBits},
+
+    // The pairs (sin x, cos x), (sinh x, cosh x) and their quadrant forms,
+    // judged per value and by the norm (the bound; sqrt(1/2) = 0.7071 for
+    // two correctly rounded parts).
+    {"g_dscn", sin_cos, {interval(-3.5e15, 3.5e15)}, kSinCosPairHard8, 0.85},
+    {"g_dscnq", sin_cos_quadrants, {interval(-kDmax, kDmax)}, kQuadrantHard8, 1.2},
+    {"g_dsch", sinh_cosh, {interval(-kCoshMax8, kCoshMax8)}, kSinhHard8, 2.3},
+    {"g_dschq", sinh_cosh_quadrants, {interval(-452.3, 452.3)}, kSinhQuadrantHard8, 0.95},
+    {"g_scns", sin_cos, {interval(-823000.0, 823000.0)}, kTrigHard4, 0.7072},
+    {"g_scnsq", sin_cos_quadrants, {interval(-kFmax, kFmax)}, kQuadrantHard4, 0.7072},
+    {"g_scnh", sinh_cosh, {interval(-kCoshMax4, kCoshMax4)}, kSinhHard4, 0.7072},
+    {"g_scnhq", sinh_cosh_quadrants, {interval(-56.9, 56.9)}, kSinhQuadrantHard4, 0.7072},
 
     // REAL(16) operators, the mixed helpers and the conversions: correctly
     // rounded.

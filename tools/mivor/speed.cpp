@@ -142,6 +142,18 @@ int run_speed() {
     compare("g_sin", "libm sinf", trig_in,
             [](double x) { const float f = static_cast<float>(x); return static_cast<double>(g_sin(&f)); },
             [](double x) { return static_cast<double>(std::sin(static_cast<float>(x))); });
+    const auto unit_in = inputs(-1, 1), deg_in = inputs(-720, 720), hyp_in = inputs(-20, 20);
+    compare("g_dasin", "libm asin", unit_in, [](double x) { return g_dasin(&x); }, [](double x) { return std::asin(x); });
+    compare("g_datan (FPATAN)", "libm atan", trig_in, [](double x) { return static_cast<double>(g_datan(&x)); },
+            [](double x) { return std::atan(x); });
+    compare("g_dsind", "libm sin(x pi/180)", deg_in, [](double x) { return g_dsind(&x); },
+            [](double x) { return std::sin(x * (3.141592653589793 / 180)); });
+    compare("g_dsinh", "libm sinh", hyp_in, [](double x) { return g_dsinh(&x); }, [](double x) { return std::sinh(x); });
+    compare("g_dcosh", "libm cosh", hyp_in, [](double x) { return g_dcosh(&x); }, [](double x) { return std::cosh(x); });
+    compare("g_dtanh", "libm tanh", hyp_in, [](double x) { return g_dtanh(&x); }, [](double x) { return std::tanh(x); });
+    compare("g_dscn", "g_dsin + g_dcos", trig_in,
+            [](double x) { mivor_complex8 r; g_dscn(&r, &x); return r.re + r.im; },
+            [](double x) { return g_dsin(&x) + g_dcos(&x); });
 #if defined(__SSE2__)
     compare_packed<pk_dexp>("pk_dexp", exp_in, [](double x) { return g_dexp(&x); });
     compare_packed<pk_dlog>("pk_dlog", log_in, [](double x) { return g_dlog(&x); });
