@@ -113,6 +113,14 @@ MIVOR_API __m128d pk_dsin(__m128d x0);
 MIVOR_API __m128d pk_dcos(__m128d x0);
 #endif
 
+/* quadfunc */
+MIVOR_API mivor_real16 *g_qexp(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qexp2(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qexp10(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qlog(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qlog2(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qlog10(mivor_real16 *result, const mivor_real16 *a0);
+
 /* power */
 MIVOR_API float g_arxi(const float *a0, const int32_t *a1);
 MIVOR_API float g_arxj(const float *a0, const int64_t *a1);

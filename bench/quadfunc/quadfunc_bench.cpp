@@ -1,0 +1,118 @@
+// Throughput of the REAL(16) elementary functions beside libquadmath in the
+// same run, with the time ratios (mivor / libquadmath; below 1 is faster)
+// printed after the table.
+//
+// Each iteration evaluates 1024 independent random arguments of the
+// function's useful range, the same for both.  Where libquadmath has no
+// such function the peer is the obvious composition: expq(x ln10) for
+// 10^x, 1/tanq for the cotangent, sinq(x pi/180) for the degree forms and
+// so on (cheaper and less accurate than a real implementation would be).
+// With --benchmark_repetitions=N the ratios use the fastest repetition.
+#include <benchmark/benchmark.h>
+#include <quadmath.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "mivor/mivor.h"
+#include "support/loops.h"
+#include "support/operands.h"
+#include "support/ratios.h"
+
+namespace {
+
+using mivor_bench::kN;
+using Mine1 = mivor_real16* (*)(mivor_real16*, const mivor_real16*);
+using Mine2 = mivor_real16* (*)(mivor_real16*, const mivor_real16*, const mivor_real16*);
+using Peer1 = __float128 (*)(__float128);
+using Peer2 = __float128 (*)(__float128, __float128);
+
+struct Entry {
+    const char* name;
+    Mine1 mine1;
+    Mine2 mine2;
+    Peer1 peer1;
+    Peer2 peer2;
+    double lo, hi;     // arguments uniform in [lo, hi], or log-uniform magnitudes when log_scale
+    bool log_scale;
+    bool both_signs;
+};
+
+const __float128 kPi = acosq(-1);
+const __float128 kLn10 = logq(10);
+__float128 exp10_peer(__float128 x) { return expq(x * kLn10); }
+
+const Entry kEntries[] = {
+    {"exp", g_qexp, nullptr, expq, nullptr, -11000, 11000, false, false},
+    {"exp2", g_qexp2, nullptr, exp2q, nullptr, -16000, 16000, false, false},
+    {"exp10", g_qexp10, nullptr, exp10_peer, nullptr, -4900, 4900, false, false},
+    {"log", g_qlog, nullptr, logq, nullptr, -16000, 16000, true, false},
+    {"log2", g_qlog2, nullptr, log2q, nullptr, -16000, 16000, true, false},
+    {"log10", g_qlog10, nullptr, log10q, nullptr, -16000, 16000, true, false},
+};
+
+struct Args {
+    std::vector<mivor_real16> x, y;
+    std::vector<__float128> fx, fy;
+};
+
+Args make_args(const Entry& e, std::uint64_t seed) {
+    Args a;
+    a.x.resize(kN);
+    a.y.resize(kN);
+    a.fx.resize(kN);
+    a.fy.resize(kN);
+    std::uint64_t s = seed;
+    for (int i = 0; i < kN; ++i) {
+        const double u = static_cast<double>(mivor_bench::splitmix(s) >> 11) * 0x1p-53;
+        const double frac = static_cast<double>(mivor_bench::splitmix(s) >> 11) * 0x1p-53;
+        __float128 v;
+        if (e.log_scale) v = ldexpq(1 + static_cast<__float128>(frac), static_cast<int>(e.lo + u * (e.hi - e.lo)));
+        else v = e.lo + (static_cast<__float128>(u) + static_cast<__float128>(frac) * 0x1p-53) * (e.hi - e.lo);
+        if (e.both_signs && (mivor_bench::splitmix(s) & 1)) v = -v;
+        a.fx[i] = v;
+        std::memcpy(&a.x[i], &v, 16);
+        const __float128 w = 0.5 + static_cast<__float128>(frac) * 4;
+        a.fy[i] = w;
+        std::memcpy(&a.y[i], &w, 16);
+    }
+    return a;
+}
+
+void register_all(std::vector<Args>& store) {
+    store.reserve(std::size(kEntries));
+    std::uint64_t seed = 42;
+    for (const Entry& e : kEntries) {
+        store.push_back(make_args(e, seed++));
+        const Args* a = &store.back();
+        const Entry* p = &e;
+        benchmark::RegisterBenchmark((std::string(e.name) + "_mivor").c_str(), [a, p](benchmark::State& st) {
+            mivor_bench::throughput<mivor_real16>(st, [&](mivor_real16& r, int i) {
+                if (p->mine2) p->mine2(&r, &a->x[i], &a->y[i]);
+                else p->mine1(&r, &a->x[i]);
+            });
+        });
+        benchmark::RegisterBenchmark((std::string(e.name) + "_quadmath").c_str(), [a, p](benchmark::State& st) {
+            mivor_bench::throughput<__float128>(st, [&](__float128& r, int i) {
+                r = p->peer2 ? p->peer2(a->fx[i], a->fy[i]) : p->peer1(a->fx[i]);
+            });
+        });
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    (void)kPi;
+    benchmark::Initialize(&argc, argv);
+    std::vector<Args> store;
+    register_all(store);
+    mivor_bench::RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    std::printf("\nratio mivor/libquadmath per call, throughput (below 1 is faster):\n");
+    for (const Entry& e : kEntries) reporter.print_ratios({e.name}, "_mivor", "_quadmath", 8);
+    return 0;
+}

@@ -1,0 +1,75 @@
+// The reference registry of quad_ulp: one row per g_q export.
+//
+// `random` ranges make up the export's domain (the arguments it answers
+// without a report); the tool spreads its --count arguments over them.
+// `hard` ranges are where errors concentrate: near 1 for the logarithms,
+// the ends of the range for the exponentials, arguments closest to
+// multiples of pi/2 for the circular functions, and so on.  To add a
+// function: one Reference line, reusing or adding a range set.
+#include "quad_refs.h"
+
+namespace mivor::quadulp {
+namespace {
+
+// ---- exponentials ---------------------------------------------------------
+
+constexpr Range kExpRandom[] = {
+    {"uniform in [-11355, 11356]", Spread::Uniform, -11355.0, 11356.0},
+    {"log-uniform magnitudes 2^-120 .. 2^13", Spread::LogUniform, -120, 13, true},
+};
+constexpr Range kExpHard[] = {
+    {"near overflow [11350, 11356.5]", Spread::Uniform, 11350.0, 11356.5},
+    {"near underflow [-11355.1, -11340]", Spread::Uniform, -11355.1, -11340.0},
+    {"tiny 2^-116 .. 2^-100", Spread::LogUniform, -116, -100, true},
+    {"near k ln2/256", Spread::NearMultiple, 0, 4194000, true, mpfr_const_log2, 1.0 / 256},
+};
+constexpr Range kExp2Random[] = {
+    {"uniform in [-16382, 16383.9]", Spread::Uniform, -16382.0, 16383.9},
+    {"log-uniform magnitudes 2^-120 .. 2^14", Spread::LogUniform, -120, 13, true},
+};
+constexpr Range kExp2Hard[] = {
+    {"near overflow [16380, 16384)", Spread::Uniform, 16380.0, 16383.999},
+    {"near underflow [-16382, -16370]", Spread::Uniform, -16382.0, -16370.0},
+    {"tiny 2^-116 .. 2^-100", Spread::LogUniform, -116, -100, true},
+    {"near k/256", Spread::NearMultiple, 0, 4194000, true, nullptr, 1.0 / 256},
+};
+constexpr Range kExp10Random[] = {
+    {"uniform in [-4931.4, 4932]", Spread::Uniform, -4931.4, 4932.0},
+    {"log-uniform magnitudes 2^-120 .. 2^12", Spread::LogUniform, -120, 11, true},
+};
+constexpr Range kExp10Hard[] = {
+    {"near overflow [4930, 4932.07]", Spread::Uniform, 4930.0, 4932.07},
+    {"near underflow [-4931.4, -4925]", Spread::Uniform, -4931.4, -4925.0},
+    {"tiny 2^-116 .. 2^-100", Spread::LogUniform, -116, -100, true},
+    {"near integers", Spread::NearMultiple, 0, 4900, true, nullptr, 1.0},
+};
+
+// ---- logarithms -----------------------------------------------------------
+
+constexpr Range kLogRandom[] = {
+    {"log-uniform over all positive numbers", Spread::LogUniform, -16494, 16383},
+    {"uniform in (0, 4]", Spread::Uniform, 0.0, 4.0},
+};
+constexpr Range kLogHard[] = {
+    {"near 1: [0.99, 1.01]", Spread::Uniform, 0.99, 1.01},
+    {"very near 1: 1 +- 2^-100 .. 2^-8", Spread::NearMultiple, 1, 1, false, nullptr, 1.0},
+    {"subnormals", Spread::LogUniform, -16494, -16382},
+    {"uniform in [0.5, 2]", Spread::Uniform, 0.5, 2.0},
+};
+
+int exp10_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_exp10(y, x, r); }
+
+constexpr Reference kReferences[] = {
+    {"g_qexp", nullptr, nullptr, mpfr_exp, nullptr, kExpRandom, kExpHard},
+    {"g_qexp2", nullptr, nullptr, mpfr_exp2, nullptr, kExp2Random, kExp2Hard},
+    {"g_qexp10", nullptr, nullptr, exp10_ref, nullptr, kExp10Random, kExp10Hard},
+    {"g_qlog", nullptr, nullptr, mpfr_log, nullptr, kLogRandom, kLogHard},
+    {"g_qlog2", nullptr, nullptr, mpfr_log2, nullptr, kLogRandom, kLogHard},
+    {"g_qlog10", nullptr, nullptr, mpfr_log10, nullptr, kLogRandom, kLogHard},
+};
+
+}  // namespace
+
+std::span<const Reference> references() { return kReferences; }
+
+}  // namespace mivor::quadulp
