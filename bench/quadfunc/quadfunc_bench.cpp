@@ -44,6 +44,7 @@ struct Entry {
 const __float128 kPi = acosq(-1);
 const __float128 kLn10 = logq(10);
 __float128 exp10_peer(__float128 x) { return expq(x * kLn10); }
+__float128 cot_peer(__float128 x) { return 1 / tanq(x); }
 
 const Entry kEntries[] = {
     {"exp", g_qexp, nullptr, expq, nullptr, -11000, 11000, false, false},
@@ -52,6 +53,11 @@ const Entry kEntries[] = {
     {"log", g_qlog, nullptr, logq, nullptr, -16000, 16000, true, false},
     {"log2", g_qlog2, nullptr, log2q, nullptr, -16000, 16000, true, false},
     {"log10", g_qlog10, nullptr, log10q, nullptr, -16000, 16000, true, false},
+    {"sin", g_qsin, nullptr, sinq, nullptr, -10, 10, false, false},
+    {"cos", g_qcos, nullptr, cosq, nullptr, -10, 10, false, false},
+    {"tan", g_qtan, nullptr, tanq, nullptr, -10, 10, false, false},
+    {"cotan", g_qcotan, nullptr, cot_peer, nullptr, -10, 10, false, false},
+    {"sin_big", g_qsin, nullptr, sinq, nullptr, 10, 16000, true, true},
 };
 
 struct Args {

@@ -120,6 +120,10 @@ MIVOR_API mivor_real16 *g_qexp10(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qlog(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qlog2(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qlog10(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qsin(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qcos(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qtan(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qcotan(mivor_real16 *result, const mivor_real16 *a0);
 
 /* power */
 MIVOR_API float g_arxi(const float *a0, const int32_t *a1);

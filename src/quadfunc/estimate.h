@@ -58,9 +58,16 @@ inline U128 newton_recip_step(U128 M, U128 Y, int k) {
     return low ? add(Y, c) : sub(Y, c);
 }
 
+// a + b, or 2^128 - 1 where the sum would not fit.
+inline U128 add_saturated(U128 a, U128 b) {
+    const U128 s = add(a, b);
+    return less(s, a) ? U128{~std::uint64_t{0}, ~std::uint64_t{0}} : s;
+}
+
 // sqrt(N) / 2^128 as Q0.128 with N = m 2^128 (odd false) or m 2^127 (odd
 // true), m normalised: the root lies in [1/2, 1) and comes back normalised
-// (top bit set), within one unit of the last place.
+// (top bit set), within one unit of the last place (where the root is
+// within a unit of 1, 2^128 - 1).
 //
 // s0 = sqrt(w) in double, w = N / 2^256, and r0 = 1/s0; two steps
 // s' = s + r0 (w - s^2)/2 with the residual w - s^2 exact (256 bits).  The
@@ -70,7 +77,8 @@ inline U128 sqrt_fixed(U128 m, bool odd) {
     const U256 N = odd ? U256{m.hi >> 1, (m.hi << 63) | (m.lo >> 1), m.lo << 63, 0} : U256{m.hi, m.lo, 0, 0};
     double w = u53_to_double(m.hi >> 11) * 0x1p-53;
     if (odd) w *= 0.5;
-    const double s0 = __builtin_sqrt(w);
+    double s0 = __builtin_sqrt(w);
+    if (s0 >= 1.0) s0 = 0x1.fffffffffffffp-1;  // w within 2^-53 of 1: S0 must stay below 2^128
     const double r0 = 1.0 / s0;
     const std::uint64_t R0 = static_cast<std::uint64_t>(double_to_fixed(r0, 62).lo);  // r0 2^62, r0 in (1, 2]
     U128 S = double_to_fixed(s0, 128);
@@ -98,7 +106,7 @@ inline U128 sqrt_fixed(U128 m, bool odd) {
         if (n) d = neg(d);
         const U192 p = mul_128x64(d, R0);  // below 2^140: p >> 63 fits
         const U128 corr = U128{(p.w2 << 1) | (p.w1 >> 63), (p.w1 << 1) | (p.w0 >> 63)};
-        S = n ? sub(S, corr) : add(S, corr);
+        S = n ? sub(S, corr) : add_saturated(S, corr);
     }
     // Step 2: |D| < 2^155: D >> 64 as a signed 128-bit value; the
     // correction is R0 (D >> 64) 2^-127, rounded.
@@ -110,9 +118,9 @@ inline U128 sqrt_fixed(U128 m, bool odd) {
         const U192 p = mul_128x64(d, R0);
         // p >> 127, rounded: bits 127.. of the 192-bit product.
         const U128 corr = add64(U128{p.w2 >> 63, (p.w2 << 1) | (p.w1 >> 63)}, (p.w1 >> 62) & 1);
-        S = n ? sub(S, corr) : add(S, corr);
+        S = n ? sub(S, corr) : add_saturated(S, corr);
     }
-    // The root lies in [1/2, 1): within a unit of either end, snap.
+    // The root lies in [1/2, 1): within a unit of its lower end, snap.
     if ((S.hi >> 63) == 0) S = U128{kTop64, 0};
     return S;
 }

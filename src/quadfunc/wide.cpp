@@ -192,16 +192,28 @@ Wide add(const Wide& x, const Wide& y) {
 
 Wide recip(const Wide& a) {
     // a = v 2^e with v = m / 2^128 in [1/2, 1); 1/a = (1/v) 2^-e.
-    if (a.m.hi == kTop64 && a.m.lo == 0) return Wide{{kTop64, 0}, 2 - a.e, a.neg};
-    // y0 = 1/v in double from the top 53 bits of m: relative error below
-    // 2^-52 (the cut of m) plus 2^-53 (the division), under 2^-51.4.
-    const double v = u53_to_double(a.m.hi >> 11) * 0x1p-53;
+    if (a.m.hi == kTop64) {
+        // v = (1 + d)/2 with d = m.lo/2^127 < 2^-63: 1/v = 2 (1 - d + d^2 - ...),
+        // in Q1.127 2^128 - 2 m.lo + m.lo^2/2^126 to within 2^-61 units; the
+        // Newton steps below could step past 2^128 this close to it.
+        if (a.m.lo == 0) return Wide{{kTop64, 0}, 2 - a.e, a.neg};
+        const U128 sq = mul64(a.m.lo, a.m.lo);
+        const U128 Y = add64(neg(shl(U128{0, a.m.lo}, 1)), shr_round(sq, 126).lo);
+        Wide r = from_fixed(Y, 127, a.neg);
+        r.e -= a.e;
+        return r;
+    }
+    // y0 = 1/v in double from the top 52 bits of m and half a unit more
+    // (exact in a double; it keeps 1/v below 2, as Q1.127 needs): relative
+    // error below 2^-52 (the cut of m) plus 2^-53 (the division), under
+    // 2^-51.4.
+    const double v = (u53_to_double(a.m.hi >> 12) + 0.5) * 0x1p-52;
     const U128 Y0 = double_to_q1_127(1.0 / v);  // 1/v < 2: Q1.127
     // Newton: y' = y + y (1 - v y).  One step takes 2^-51.4 to 2^-102.8
     // plus its roundings (2^-127); the second leaves the roundings: the
     // product v y rounded in Q1.127 (2^-128 in the error term, times y < 2)
     // and the correction rounded (2^-128), 2^-126.4 relative in all.
-    const U128 Y1 = newton_recip_step(a.m, Y0, 50);
+    const U128 Y1 = newton_recip_step(a.m, Y0, 48);
     const U128 Y2 = newton_recip_step(a.m, Y1, 100);
     Wide r = from_fixed(Y2, 127, a.neg);
     r.e -= a.e;

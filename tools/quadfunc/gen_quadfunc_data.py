@@ -166,8 +166,99 @@ def exp_log_text():
     return "\n".join(out)
 
 
+def real16_lit(sig, e):
+    """A REAL(16) value sig 2^(e - 112) (sig of 113 bits) as quad::make words."""
+    assert 1 << 112 <= sig < 1 << 113
+    field = e + 16383
+    assert 0 < field < 0x7FFF
+    hi = (field << 48) | ((sig >> 64) & ((1 << 48) - 1))
+    lo = sig & ((1 << 64) - 1)
+    w = [hi >> 32, hi & 0xFFFFFFFF, lo >> 32, lo & 0xFFFFFFFF]
+    return "quad::make(" + ", ".join(f"0x{x:08X}u" for x in w) + ")"
+
+
+def collect(items):
+    """Tagged lines into dictionaries: tag -> {key: [ints...]}, bounds."""
+    d, bounds = {}, {}
+    for f in items:
+        if f[0] == "bound":
+            bounds[f[1]] = bound_text(f[-1])
+            continue
+        key = int(f[1]) if f[1].lstrip("-").isdigit() else f[1]
+        d.setdefault(f[0], {})[key] = [int(t) for t in f[2:]]
+    return d, bounds
+
+
+# ---- sincos ----------------------------------------------------------------
+
+def sincos_text():
+    d, B = collect(run_sollya("sincos.sollya"))
+    P, S, C, A, Bc, W, R = (d[k] for k in ("P", "S", "C", "A", "B", "W", "R"))
+    assert len(P) == 262 and len(S) == 51 and len(C) == 52 and len(A) == 6 and len(Bc) == 6
+    out = [head("sincos.sollya"),
+           "//",
+           "// Tables and polynomials of the REAL(16) circular functions (see",
+           "// sincos.cpp and reduce.cpp for how they are used and the error analysis).",
+           "#pragma once",
+           "",
+           "#include <cstdint>",
+           "",
+           "#include \"frame/values.h\"",
+           "#include \"quadfunc/fixed.h\"",
+           "#include \"quadfunc/wide.h\"",
+           "",
+           "namespace mivor::quadfunc::sincos_data {",
+           "",
+           "// The bits of 2/pi after the binary point, 64 to a word, most significant",
+           "// first: word j holds bits 64j + 1 .. 64j + 64 (enough for the reduction of",
+           "// every finite REAL(16) argument, see reduce.cpp).",
+           "inline constexpr std::uint64_t kTwoOverPi[262] = {"]
+    for j in range(0, 262, 3):
+        out.append("    " + " ".join(f"0x{P[k][0]:016X}u," for k in range(j, min(j + 3, 262))))
+    out += ["};",
+            "",
+            "// sin(j/64) and cos(j/64) in the working format, rounded to nearest",
+            "// (relative error at most 2^-128), j = 0..51 (sin(0) = 0).",
+            "struct SinCosRow {",
+            "    WideConst sin, cos;",
+            "};",
+            "inline constexpr SinCosRow kSinCos[52] = {"]
+    for j in range(52):
+        sv = "{0, 0, 0, 0}" if j == 0 else wide_lit(*S[j])
+        out.append(f"    {{{sv}, {wide_lit(*C[j])}}},")
+    out += ["};",
+            "",
+            "// sin d = d + d^3 (a0 + a1 u + ... + a5 u^5) and cos d = 1 + u (b0 + b1 u + ...",
+            "// + b5 u^5), u = d^2, |d| <= (1/128)(1 + 2^-20); coefficients in S.127,",
+            "// highest degree first.  Remez fits in u; with the coefficients as",
+            f"// rounded the errors are at most {B['sin']} relative to d (sine) and",
+            f"// {B['cos']} absolute (cosine).",
+            "inline constexpr U128 kSinPoly[6] = {"]
+    for i in range(5, -1, -1):
+        out.append(f"    {lit(twos(A[i][0], 2))},  // a{i}")
+    out += ["};", "inline constexpr U128 kCosPoly[6] = {"]
+    for i in range(5, -1, -1):
+        out.append(f"    {lit(twos(Bc[i][0], 2))},  // b{i}")
+    out += ["};",
+            "",
+            "// pi/2 and pi in the working format, rounded to nearest.",
+            f"inline constexpr WideConst kPiOver2 = {wide_lit(*W['pi_2'])};",
+            f"inline constexpr WideConst kPi = {wide_lit(*W['pi'])};",
+            "",
+            "// REAL(16) constants, rounded to nearest: sqrt(1/2) (the finite result of a",
+            "// refused sine or cosine), pi/2 and pi.",
+            f"inline constexpr Real16 kSqrtHalfQ = {real16_lit(*R['sqrt_half'])};",
+            f"inline constexpr Real16 kPiOver2Q = {real16_lit(*R['pi_2'])};",
+            f"inline constexpr Real16 kPiQ = {real16_lit(*R['pi'])};",
+            "",
+            "}  // namespace mivor::quadfunc::sincos_data",
+            ""]
+    return "\n".join(out)
+
+
 FAMILIES = {
     "exp_log": ("exp_log_data.h", exp_log_text),
+    "sincos": ("sincos_data.h", sincos_text),
 }
 
 

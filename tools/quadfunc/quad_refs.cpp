@@ -57,6 +57,20 @@ constexpr Range kLogHard[] = {
     {"uniform in [0.5, 2]", Spread::Uniform, 0.5, 2.0},
 };
 
+// ---- circular functions ----------------------------------------------------
+
+constexpr Range kTrigRandom[] = {
+    {"uniform in [-10, 10]", Spread::Uniform, -10.0, 10.0},
+    {"log-uniform magnitudes 2^-120 .. 2^16383", Spread::LogUniform, -120, 16383, true},
+};
+constexpr Range kTrigHard[] = {
+    {"near k pi/2, |k| <= 8", Spread::NearMultiple, 1, 8, true, mpfr_const_pi, 0.5},
+    {"near k pi/2, k to 2^60", Spread::NearMultiple, 9, 0x1p60, true, mpfr_const_pi, 0.5},
+    {"closest to k pi/2, binades 2^1 .. 2^16383", Spread::HardReduction, 1, 16383, true, mpfr_const_pi, 0.5},
+    {"closest to k pi/2, binades 2^1 .. 2^200", Spread::HardReduction, 1, 200, true, mpfr_const_pi, 0.5},
+    {"tiny 2^-120 .. 2^-40", Spread::LogUniform, -120, -40, true},
+};
+
 int exp10_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_exp10(y, x, r); }
 
 constexpr Reference kReferences[] = {
@@ -66,6 +80,10 @@ constexpr Reference kReferences[] = {
     {"g_qlog", nullptr, nullptr, mpfr_log, nullptr, kLogRandom, kLogHard},
     {"g_qlog2", nullptr, nullptr, mpfr_log2, nullptr, kLogRandom, kLogHard},
     {"g_qlog10", nullptr, nullptr, mpfr_log10, nullptr, kLogRandom, kLogHard},
+    {"g_qsin", nullptr, nullptr, mpfr_sin, nullptr, kTrigRandom, kTrigHard},
+    {"g_qcos", nullptr, nullptr, mpfr_cos, nullptr, kTrigRandom, kTrigHard},
+    {"g_qtan", nullptr, nullptr, mpfr_tan, nullptr, kTrigRandom, kTrigHard},
+    {"g_qcotan", nullptr, nullptr, mpfr_cot, nullptr, kTrigRandom, kTrigHard},
 };
 
 }  // namespace
