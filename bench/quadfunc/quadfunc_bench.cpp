@@ -45,6 +45,15 @@ const __float128 kPi = acosq(-1);
 const __float128 kLn10 = logq(10);
 __float128 exp10_peer(__float128 x) { return expq(x * kLn10); }
 __float128 cot_peer(__float128 x) { return 1 / tanq(x); }
+const __float128 kDeg = 180 / kPi, kQuad = 2 / kPi;
+__float128 atand_peer(__float128 x) { return atanq(x) * kDeg; }
+__float128 asind_peer(__float128 x) { return asinq(x) * kDeg; }
+__float128 acosd_peer(__float128 x) { return acosq(x) * kDeg; }
+__float128 atan2d_peer(__float128 y, __float128 x) { return atan2q(y, x) * kDeg; }
+__float128 atanq_peer(__float128 x) { return atanq(x) * kQuad; }
+__float128 asinq_peer(__float128 x) { return asinq(x) * kQuad; }
+__float128 acosq_peer(__float128 x) { return acosq(x) * kQuad; }
+__float128 atan2q_peer(__float128 y, __float128 x) { return atan2q(y, x) * kQuad; }
 
 const Entry kEntries[] = {
     {"exp", g_qexp, nullptr, expq, nullptr, -11000, 11000, false, false},
@@ -58,6 +67,18 @@ const Entry kEntries[] = {
     {"tan", g_qtan, nullptr, tanq, nullptr, -10, 10, false, false},
     {"cotan", g_qcotan, nullptr, cot_peer, nullptr, -10, 10, false, false},
     {"sin_big", g_qsin, nullptr, sinq, nullptr, 10, 16000, true, true},
+    {"atan", g_qatan, nullptr, atanq, nullptr, -4, 4, false, false},
+    {"atan2", nullptr, g_qatan2, nullptr, atan2q, -4, 4, false, false},
+    {"asin", g_qasin, nullptr, asinq, nullptr, -1, 1, false, false},
+    {"acos", g_qacos, nullptr, acosq, nullptr, -1, 1, false, false},
+    {"atand", g_qatand, nullptr, atand_peer, nullptr, -4, 4, false, false},
+    {"atan2d", nullptr, g_qatan2d, nullptr, atan2d_peer, -4, 4, false, false},
+    {"asind", g_qasind, nullptr, asind_peer, nullptr, -1, 1, false, false},
+    {"acosd", g_qacosd, nullptr, acosd_peer, nullptr, -1, 1, false, false},
+    {"atanq", g_qatanq, nullptr, atanq_peer, nullptr, -4, 4, false, false},
+    {"atan2q", nullptr, g_qatan2q, nullptr, atan2q_peer, -4, 4, false, false},
+    {"asinq", g_qasinq, nullptr, asinq_peer, nullptr, -1, 1, false, false},
+    {"acosq", g_qacosq, nullptr, acosq_peer, nullptr, -1, 1, false, false},
 };
 
 struct Args {

@@ -124,6 +124,18 @@ MIVOR_API mivor_real16 *g_qsin(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qcos(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qtan(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qcotan(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qasin(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qacos(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qatan(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qatan2(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_real16 *g_qasind(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qacosd(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qatand(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qatan2d(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_real16 *g_qasinq(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qacosq(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qatanq(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qatan2q(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
 
 /* power */
 MIVOR_API float g_arxi(const float *a0, const int32_t *a1);

@@ -256,9 +256,60 @@ def sincos_text():
     return "\n".join(out)
 
 
+# ---- atan -------------------------------------------------------------------
+
+def atan_text():
+    d, B = collect(run_sollya("atan.sollya"))
+    T, P, W, R = (d[k] for k in ("T", "P", "W", "R"))
+    assert len(T) == 64 and len(P) == 8
+    out = [head("atan.sollya"),
+           "//",
+           "// Tables and polynomials of the REAL(16) inverse circular functions (see",
+           "// atan.cpp for how they are used and the error analysis).",
+           "#pragma once",
+           "",
+           "#include \"frame/values.h\"",
+           "#include \"quadfunc/fixed.h\"",
+           "#include \"quadfunc/wide.h\"",
+           "",
+           "namespace mivor::quadfunc::atan_data {",
+           "",
+           "// atan(j/64) in the working format, rounded to nearest (relative error at",
+           "// most 2^-128), j = 0..64 (atan(0) = 0).",
+           "inline constexpr WideConst kAtan[65] = {",
+           "    {0, 0, 0, 0},"]
+    for j in range(1, 65):
+        out.append(f"    {wide_lit(*T[j])},")
+    out += ["};",
+            "",
+            "// atan u = u + u^3 (p0 + p1 v + ... + p7 v^7), v = u^2, |u| <= (1/128)(1 +",
+            "// 2^-16); coefficients in S.127, highest degree first.  Remez fit in v;",
+            f"// with the coefficients as rounded the error is at most {B['atan']}",
+            "// relative to u.",
+            "inline constexpr U128 kAtanPoly[8] = {"]
+    for i in range(7, -1, -1):
+        out.append(f"    {lit(twos(P[i][0], 2))},  // p{i}")
+    out += ["};",
+            "",
+            "// Working-format constants, rounded to nearest: 180/pi and 2/pi (radians",
+            "// to degrees and to quadrants), pi/4.",
+            f"inline constexpr WideConst kDegreesPerRadian = {wide_lit(*W['deg_per_rad'])};",
+            f"inline constexpr WideConst kQuadrantsPerRadian = {wide_lit(*W['quad_per_rad'])};",
+            f"inline constexpr WideConst kPiOver4 = {wide_lit(*W['pi_4'])};",
+            "",
+            "// REAL(16) constants, rounded to nearest: pi/4 and 3pi/4.",
+            f"inline constexpr Real16 kPiOver4Q = {real16_lit(*R['pi_4'])};",
+            f"inline constexpr Real16 kThreePiOver4Q = {real16_lit(*R['pi3_4'])};",
+            "",
+            "}  // namespace mivor::quadfunc::atan_data",
+            ""]
+    return "\n".join(out)
+
+
 FAMILIES = {
     "exp_log": ("exp_log_data.h", exp_log_text),
     "sincos": ("sincos_data.h", sincos_text),
+    "atan": ("atan_data.h", atan_text),
 }
 
 

@@ -71,7 +71,48 @@ constexpr Range kTrigHard[] = {
     {"tiny 2^-120 .. 2^-40", Spread::LogUniform, -120, -40, true},
 };
 
+// ---- inverse circular functions --------------------------------------------
+
+constexpr Range kAtanRandom[] = {
+    {"uniform in [-2, 2]", Spread::Uniform, -2.0, 2.0},
+    {"log-uniform magnitudes 2^-120 .. 2^16383", Spread::LogUniform, -120, 16383, true},
+};
+constexpr Range kAtanHard[] = {
+    {"tiny 2^-120 .. 2^-40", Spread::LogUniform, -120, -40, true},
+    {"near 1", Spread::BelowOne, 1, 112, true},
+    {"near the table points j/64", Spread::NearMultiple, 1, 64, true, nullptr, 1.0 / 64},
+    {"between the table points (j + 1/2)/64", Spread::NearMultiple, 1, 128, true, nullptr, 1.0 / 128},
+};
+// atan2: y from the ranges, x uniform in [0.5, 4.5] of either sign.
+constexpr Range kAtan2Random[] = {
+    {"y uniform in [-10, 10]", Spread::Uniform, -10.0, 10.0, false, nullptr, 1.0, 0.5, 4.5},
+    {"y log-uniform 2^-200 .. 2^200", Spread::LogUniform, -200, 200, true, nullptr, 1.0, 0.5, 4.5},
+};
+constexpr Range kAtan2Hard[] = {
+    {"|y| near |x|", Spread::Uniform, 0.45, 4.6, true, nullptr, 1.0, 0.5, 4.5},
+    {"y tiny", Spread::LogUniform, -16000, -100, true, nullptr, 1.0, 0.5, 4.5},
+};
+constexpr Range kAsinRandom[] = {
+    {"uniform in [-1, 1]", Spread::Uniform, -1.0, 1.0},
+    {"log-uniform magnitudes 2^-120 .. 1", Spread::LogUniform, -120, 0, true},
+};
+constexpr Range kAsinHard[] = {
+    {"near +-1: 1 - 2^-1 .. 1 - 2^-113", Spread::BelowOne, 1, 112, true},
+    {"tiny 2^-120 .. 2^-40", Spread::LogUniform, -120, -40, true},
+    {"near 1/2 and 1/sqrt2", Spread::Uniform, 0.49, 0.72, true},
+};
+
 int exp10_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_exp10(y, x, r); }
+// The degree and quadrant forms: MPFR's functions with the full turn as
+// the unit, exact at every multiple of a right angle.
+int asind_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_asinu(y, x, 360, r); }
+int acosd_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_acosu(y, x, 360, r); }
+int atand_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_atanu(y, x, 360, r); }
+int atan2d_ref(mpfr_ptr z, mpfr_srcptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_atan2u(z, y, x, 360, r); }
+int asinq_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_asinu(y, x, 4, r); }
+int acosq_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_acosu(y, x, 4, r); }
+int atanq_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_atanu(y, x, 4, r); }
+int atan2q_ref(mpfr_ptr z, mpfr_srcptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_atan2u(z, y, x, 4, r); }
 
 constexpr Reference kReferences[] = {
     {"g_qexp", nullptr, nullptr, mpfr_exp, nullptr, kExpRandom, kExpHard},
@@ -84,6 +125,18 @@ constexpr Reference kReferences[] = {
     {"g_qcos", nullptr, nullptr, mpfr_cos, nullptr, kTrigRandom, kTrigHard},
     {"g_qtan", nullptr, nullptr, mpfr_tan, nullptr, kTrigRandom, kTrigHard},
     {"g_qcotan", nullptr, nullptr, mpfr_cot, nullptr, kTrigRandom, kTrigHard},
+    {"g_qatan", nullptr, nullptr, mpfr_atan, nullptr, kAtanRandom, kAtanHard},
+    {"g_qatand", nullptr, nullptr, atand_ref, nullptr, kAtanRandom, kAtanHard},
+    {"g_qatanq", nullptr, nullptr, atanq_ref, nullptr, kAtanRandom, kAtanHard},
+    {"g_qatan2", nullptr, nullptr, nullptr, mpfr_atan2, kAtan2Random, kAtan2Hard},
+    {"g_qatan2d", nullptr, nullptr, nullptr, atan2d_ref, kAtan2Random, kAtan2Hard},
+    {"g_qatan2q", nullptr, nullptr, nullptr, atan2q_ref, kAtan2Random, kAtan2Hard},
+    {"g_qasin", nullptr, nullptr, mpfr_asin, nullptr, kAsinRandom, kAsinHard},
+    {"g_qasind", nullptr, nullptr, asind_ref, nullptr, kAsinRandom, kAsinHard},
+    {"g_qasinq", nullptr, nullptr, asinq_ref, nullptr, kAsinRandom, kAsinHard},
+    {"g_qacos", nullptr, nullptr, mpfr_acos, nullptr, kAsinRandom, kAsinHard},
+    {"g_qacosd", nullptr, nullptr, acosd_ref, nullptr, kAsinRandom, kAsinHard},
+    {"g_qacosq", nullptr, nullptr, acosq_ref, nullptr, kAsinRandom, kAsinHard},
 };
 
 }  // namespace

@@ -27,6 +27,7 @@ enum class Spread {
     LogUniform,    // magnitudes 2^e, e uniform in [lo, hi) (log2 bounds), both signs if both_signs
     NearMultiple,  // k * unit, lo <= k <= hi (k log-uniform above 2^10; -k too if both_signs), moved by up to 64 units of the last place
     HardReduction, // binary128 x closest to multiples of unit among those with exponent lo..hi (continued fractions)
+    BelowOne,      // 1 - 2^-t (t uniform in [lo, hi], random low bits), both signs if both_signs
 };
 
 struct Range {
