@@ -54,6 +54,15 @@ __float128 atanq_peer(__float128 x) { return atanq(x) * kQuad; }
 __float128 asinq_peer(__float128 x) { return asinq(x) * kQuad; }
 __float128 acosq_peer(__float128 x) { return acosq(x) * kQuad; }
 __float128 atan2q_peer(__float128 y, __float128 x) { return atan2q(y, x) * kQuad; }
+const __float128 kRadPerDeg = kPi / 180, kRadPerQuad = kPi / 2;
+__float128 sind_peer(__float128 x) { return sinq(x * kRadPerDeg); }
+__float128 cosd_peer(__float128 x) { return cosq(x * kRadPerDeg); }
+__float128 tand_peer(__float128 x) { return tanq(x * kRadPerDeg); }
+__float128 cotd_peer(__float128 x) { return 1 / tanq(x * kRadPerDeg); }
+__float128 sinq_peer(__float128 x) { return sinq(x * kRadPerQuad); }
+__float128 cosq_peer(__float128 x) { return cosq(x * kRadPerQuad); }
+__float128 tanq_peer(__float128 x) { return tanq(x * kRadPerQuad); }
+__float128 cotq_peer(__float128 x) { return 1 / tanq(x * kRadPerQuad); }
 
 const Entry kEntries[] = {
     {"exp", g_qexp, nullptr, expq, nullptr, -11000, 11000, false, false},
@@ -79,6 +88,14 @@ const Entry kEntries[] = {
     {"atan2q", nullptr, g_qatan2q, nullptr, atan2q_peer, -4, 4, false, false},
     {"asinq", g_qasinq, nullptr, asinq_peer, nullptr, -1, 1, false, false},
     {"acosq", g_qacosq, nullptr, acosq_peer, nullptr, -1, 1, false, false},
+    {"sind", g_qsind, nullptr, sind_peer, nullptr, -720, 720, false, false},
+    {"cosd", g_qcosd, nullptr, cosd_peer, nullptr, -720, 720, false, false},
+    {"tand", g_qtand, nullptr, tand_peer, nullptr, -720, 720, false, false},
+    {"cotd", g_qcotd, nullptr, cotd_peer, nullptr, -720, 720, false, false},
+    {"sinq", g_qsinq, nullptr, sinq_peer, nullptr, -8, 8, false, false},
+    {"cosq", g_qcosq, nullptr, cosq_peer, nullptr, -8, 8, false, false},
+    {"tanq", g_qtanq, nullptr, tanq_peer, nullptr, -8, 8, false, false},
+    {"cotq", g_qcotq, nullptr, cotq_peer, nullptr, -8, 8, false, false},
 };
 
 struct Args {

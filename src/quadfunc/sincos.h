@@ -16,6 +16,13 @@ struct Reduced {
 // (reduce.cpp); a finite, a.e <= 16384.
 Reduced reduce_radians(const Wide& a);
 
+// |a| in degrees or in quadrants (right angles): k mod 4 and the exact
+// remainder (|r| <= 45 or 1/2) converted to radians with one rounding
+// (2^-127 relative); at a multiple of the right angle r is exactly zero
+// (reduce_units.cpp).  a finite.
+Reduced reduce_degrees(const Wide& a);
+Reduced reduce_quadrants(const Wide& a);
+
 // sin r and cos r for |r| <= pi/4 (1 + 2^-60): within 2^-124.7 and 2^-126
 // relative (sincos.cpp).
 struct SinCos {

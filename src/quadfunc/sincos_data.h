@@ -188,9 +188,10 @@ inline constexpr U128 kCosPoly[6] = {
     {0xC000000000000000u, 0x0000000000000000u},  // b0
 };
 
-// pi/2 and pi in the working format, rounded to nearest.
+// pi/2, pi and pi/180 in the working format, rounded to nearest.
 inline constexpr WideConst kPiOver2 = {0xC90FDAA22168C234u, 0xC4C6628B80DC1CD1u, 1, 0};
 inline constexpr WideConst kPi = {0xC90FDAA22168C234u, 0xC4C6628B80DC1CD1u, 2, 0};
+inline constexpr WideConst kPiOver180 = {0x8EFA351294E9C8AEu, 0x0EC5F66E9485C4D9u, -5, 0};
 
 // REAL(16) constants, rounded to nearest: sqrt(1/2) (the finite result of a
 // refused sine or cosine), pi/2 and pi.

@@ -241,9 +241,10 @@ def sincos_text():
         out.append(f"    {lit(twos(Bc[i][0], 2))},  // b{i}")
     out += ["};",
             "",
-            "// pi/2 and pi in the working format, rounded to nearest.",
+            "// pi/2, pi and pi/180 in the working format, rounded to nearest.",
             f"inline constexpr WideConst kPiOver2 = {wide_lit(*W['pi_2'])};",
             f"inline constexpr WideConst kPi = {wide_lit(*W['pi'])};",
+            f"inline constexpr WideConst kPiOver180 = {wide_lit(*W['pi_180'])};",
             "",
             "// REAL(16) constants, rounded to nearest: sqrt(1/2) (the finite result of a",
             "// refused sine or cosine), pi/2 and pi.",

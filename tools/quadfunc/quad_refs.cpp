@@ -102,7 +102,66 @@ constexpr Range kAsinHard[] = {
     {"near 1/2 and 1/sqrt2", Spread::Uniform, 0.49, 0.72, true},
 };
 
+// ---- degree and quadrant forms ---------------------------------------------
+
+constexpr Range kDegRandom[] = {
+    {"uniform in [-720, 720]", Spread::Uniform, -720.0, 720.0},
+    {"log-uniform magnitudes 2^-120 .. 2^16383", Spread::LogUniform, -120, 16383, true},
+};
+constexpr Range kDegHard[] = {
+    {"multiples of 90 and next to them, k <= 2^40", Spread::NearMultiple, 1, 0x1p40, true, nullptr, 90.0},
+    {"next to multiples of 30", Spread::NearMultiple, 1, 1000, true, nullptr, 30.0},
+    {"tiny 2^-16370 .. 2^-40", Spread::LogUniform, -16370, -40, true},
+};
+// The cotangents: the multiples of 180 degrees (of 2 quadrants) among large
+// arguments are poles; the spread stops where arguments are mostly integers.
+constexpr Range kDegPoleRandom[] = {
+    {"uniform in [-720, 720]", Spread::Uniform, -720.0, 720.0},
+    {"log-uniform magnitudes 2^-120 .. 2^100", Spread::LogUniform, -120, 100, true},
+};
+constexpr Range kQuadPoleRandom[] = {
+    {"uniform in [-8, 8]", Spread::Uniform, -8.0, 8.0},
+    {"log-uniform magnitudes 2^-120 .. 2^100", Spread::LogUniform, -120, 100, true},
+};
+constexpr Range kDegPoleHard[] = {
+    {"next to multiples of 90, k <= 2^40", Spread::NearMultiple, 1, 0x1p40, true, nullptr, 90.0, 0, 0, false},
+    {"next to multiples of 45", Spread::NearMultiple, 1, 1000, true, nullptr, 45.0, 0, 0, false},
+    {"tiny 2^-16370 .. 2^-40", Spread::LogUniform, -16370, -40, true},
+};
+constexpr Range kQuadRandom[] = {
+    {"uniform in [-8, 8]", Spread::Uniform, -8.0, 8.0},
+    {"log-uniform magnitudes 2^-120 .. 2^16383", Spread::LogUniform, -120, 16383, true},
+};
+constexpr Range kQuadHard[] = {
+    {"integers and next to them, k <= 2^40", Spread::NearMultiple, 1, 0x1p40, true, nullptr, 1.0},
+    {"next to multiples of 1/3", Spread::NearMultiple, 1, 1000, true, nullptr, 1.0 / 3},
+    {"tiny 2^-16380 .. 2^-40", Spread::LogUniform, -16380, -40, true},
+};
+constexpr Range kQuadPoleHard[] = {
+    {"next to integers, k <= 2^40", Spread::NearMultiple, 1, 0x1p40, true, nullptr, 1.0, 0, 0, false},
+    {"next to multiples of 1/2", Spread::NearMultiple, 1, 1000, true, nullptr, 0.5, 0, 0, false},
+    {"tiny 2^-16380 .. 2^-40", Spread::LogUniform, -16380, -40, true},
+};
+
 int exp10_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_exp10(y, x, r); }
+int sind_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_sinu(y, x, 360, r); }
+int cosd_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_cosu(y, x, 360, r); }
+int tand_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_tanu(y, x, 360, r); }
+int sinq_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_sinu(y, x, 4, r); }
+int cosq_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_cosu(y, x, 4, r); }
+int tanq_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_tanu(y, x, 4, r); }
+// cot = 1/tan in the unit, rounded once: tan in 400 bits, then its
+// reciprocal (an error below 2^-390 moves no rounding of a result this far
+// from its neighbours' midpoints but by chance).
+template <int u>
+int cotu_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) {
+    mpfr_t t;
+    mpfr_init2(t, 400);
+    mpfr_tanu(t, x, u, MPFR_RNDN);
+    const int i = mpfr_ui_div(y, 1, t, r);
+    mpfr_clear(t);
+    return i;
+}
 // The degree and quadrant forms: MPFR's functions with the full turn as
 // the unit, exact at every multiple of a right angle.
 int asind_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_asinu(y, x, 360, r); }
@@ -137,6 +196,14 @@ constexpr Reference kReferences[] = {
     {"g_qacos", nullptr, nullptr, mpfr_acos, nullptr, kAsinRandom, kAsinHard},
     {"g_qacosd", nullptr, nullptr, acosd_ref, nullptr, kAsinRandom, kAsinHard},
     {"g_qacosq", nullptr, nullptr, acosq_ref, nullptr, kAsinRandom, kAsinHard},
+    {"g_qsind", nullptr, nullptr, sind_ref, nullptr, kDegRandom, kDegHard},
+    {"g_qcosd", nullptr, nullptr, cosd_ref, nullptr, kDegRandom, kDegHard},
+    {"g_qtand", nullptr, nullptr, tand_ref, nullptr, kDegPoleRandom, kDegPoleHard},
+    {"g_qcotd", nullptr, nullptr, cotu_ref<360>, nullptr, kDegPoleRandom, kDegPoleHard},
+    {"g_qsinq", nullptr, nullptr, sinq_ref, nullptr, kQuadRandom, kQuadHard},
+    {"g_qcosq", nullptr, nullptr, cosq_ref, nullptr, kQuadRandom, kQuadHard},
+    {"g_qtanq", nullptr, nullptr, tanq_ref, nullptr, kQuadPoleRandom, kQuadPoleHard},
+    {"g_qcotq", nullptr, nullptr, cotu_ref<4>, nullptr, kQuadPoleRandom, kQuadPoleHard},
 };
 
 }  // namespace

@@ -39,6 +39,8 @@ struct Range {
     double unit_scale = 1.0;
     // Second argument of ATAN2 forms: uniform in [lo2, hi2] with both signs.
     double lo2 = 0, hi2 = 0;
+    // NearMultiple: whether k * unit itself may come up (not at poles).
+    bool exact_too = true;
 };
 
 struct Reference {

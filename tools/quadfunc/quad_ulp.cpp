@@ -164,7 +164,8 @@ __float128 sample(const Range& g, Random& r, Scratch& s) {
             if (g.both_signs && (r.next() & 1)) k = -k;
             mpfr_mul_d(s.t, s.unit, k, MPFR_RNDN);
             __float128 x = mpfr_get_float128(s.t, MPFR_RNDN);
-            const int j = static_cast<int>(r.next() % 129) - 64;
+            int j = static_cast<int>(r.next() % 129) - 64;
+            if (j == 0 && !g.exact_too) j = 1;
             for (int i = 0; i < j; ++i) x = nextafterq(x, HUGE_VALQ);
             for (int i = 0; i > j; --i) x = nextafterq(x, -HUGE_VALQ);
             return x;
