@@ -144,6 +144,9 @@ MIVOR_API mivor_real16 *g_qasinq(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qacosq(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qatanq(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qatan2q(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API mivor_real16 *g_qsinh(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qcosh(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qtanh(mivor_real16 *result, const mivor_real16 *a0);
 
 /* power */
 MIVOR_API float g_arxi(const float *a0, const int32_t *a1);

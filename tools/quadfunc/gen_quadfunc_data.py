@@ -307,10 +307,45 @@ def atan_text():
     return "\n".join(out)
 
 
+# ---- hyperbolic ---------------------------------------------------------------
+
+def hyperbolic_text():
+    d, B = collect(run_sollya("hyperbolic.sollya"))
+    S, C = d["S"], d["C"]
+    assert len(S) == 12 and len(C) == 12
+    out = [head("hyperbolic.sollya"),
+           "//",
+           "// Polynomials of the REAL(16) hyperbolic functions for |x| < 1/2 (see",
+           "// hyperbolic.cpp for how they are used and the error analysis).",
+           "#pragma once",
+           "",
+           "#include \"quadfunc/fixed.h\"",
+           "",
+           "namespace mivor::quadfunc::hyperbolic_data {",
+           "",
+           "// sinh x = x + x^3 (s0 + s1 u + ... + s11 u^11) and cosh x = 1 + u (c0 + c1 u +",
+           "// ... + c11 u^11), u = x^2 < 1/4; coefficients in S.127, highest degree",
+           "// first.  Remez fits in u; with the coefficients as rounded the errors are",
+           f"// at most {B['sinh']} relative to x (sinh) and {B['cosh']}",
+           "// absolute (cosh).",
+           "inline constexpr U128 kSinhPoly[12] = {"]
+    for i in range(11, -1, -1):
+        out.append(f"    {lit(twos(S[i][0], 2))},  // s{i}")
+    out += ["};", "inline constexpr U128 kCoshPoly[12] = {"]
+    for i in range(11, -1, -1):
+        out.append(f"    {lit(twos(C[i][0], 2))},  // c{i}")
+    out += ["};",
+            "",
+            "}  // namespace mivor::quadfunc::hyperbolic_data",
+            ""]
+    return "\n".join(out)
+
+
 FAMILIES = {
     "exp_log": ("exp_log_data.h", exp_log_text),
     "sincos": ("sincos_data.h", sincos_text),
     "atan": ("atan_data.h", atan_text),
+    "hyperbolic": ("hyperbolic_data.h", hyperbolic_text),
 }
 
 

@@ -22,6 +22,7 @@ constexpr Range kExpHard[] = {
     {"near underflow [-11355.1, -11340]", Spread::Uniform, -11355.1, -11340.0},
     {"tiny 2^-116 .. 2^-100", Spread::LogUniform, -116, -100, true},
     {"near k ln2/256", Spread::NearMultiple, 0, 4194000, true, mpfr_const_log2, 1.0 / 256},
+    {"short j 2^e, e in [-70, -40] (ties of 1 + x + x^2/2)", Spread::Short, -70, -40, true},
 };
 constexpr Range kExp2Random[] = {
     {"uniform in [-16382, 16383.9]", Spread::Uniform, -16382.0, 16383.9},
@@ -100,6 +101,29 @@ constexpr Range kAsinHard[] = {
     {"near +-1: 1 - 2^-1 .. 1 - 2^-113", Spread::BelowOne, 1, 112, true},
     {"tiny 2^-120 .. 2^-40", Spread::LogUniform, -120, -40, true},
     {"near 1/2 and 1/sqrt2", Spread::Uniform, 0.49, 0.72, true},
+};
+
+// ---- hyperbolic functions ---------------------------------------------------
+
+constexpr Range kHypRandom[] = {
+    {"uniform in [-11355, 11355]", Spread::Uniform, -11355.0, 11355.0},
+    {"log-uniform magnitudes 2^-120 .. 2^13", Spread::LogUniform, -120, 13, true},
+};
+constexpr Range kHypHard[] = {
+    {"near 1/2, where the series ends", Spread::Uniform, 0.45, 0.55, true},
+    {"[-3, 3]", Spread::Uniform, -3.0, 3.0},
+    {"tiny 2^-120 .. 2^-40", Spread::LogUniform, -120, -40, true},
+    {"near overflow [11350, 11356.5]", Spread::Uniform, 11350.0, 11356.5, true},
+    {"short j 2^e, e in [-70, -40] (ties of 1 + x^2/2)", Spread::Short, -70, -40, true},
+};
+constexpr Range kTanhRandom[] = {
+    {"uniform in [-45, 45]", Spread::Uniform, -45.0, 45.0},
+    {"log-uniform magnitudes 2^-120 .. 2^7", Spread::LogUniform, -120, 7, true},
+};
+constexpr Range kTanhHard[] = {
+    {"near 1/2, where the series ends", Spread::Uniform, 0.45, 0.55, true},
+    {"tiny 2^-120 .. 2^-40", Spread::LogUniform, -120, -40, true},
+    {"where tanh reaches 1: [38, 41]", Spread::Uniform, 38.0, 41.0, true},
 };
 
 // ---- degree and quadrant forms ---------------------------------------------
@@ -196,6 +220,9 @@ constexpr Reference kReferences[] = {
     {"g_qacos", nullptr, nullptr, mpfr_acos, nullptr, kAsinRandom, kAsinHard},
     {"g_qacosd", nullptr, nullptr, acosd_ref, nullptr, kAsinRandom, kAsinHard},
     {"g_qacosq", nullptr, nullptr, acosq_ref, nullptr, kAsinRandom, kAsinHard},
+    {"g_qsinh", nullptr, nullptr, mpfr_sinh, nullptr, kHypRandom, kHypHard},
+    {"g_qcosh", nullptr, nullptr, mpfr_cosh, nullptr, kHypRandom, kHypHard},
+    {"g_qtanh", nullptr, nullptr, mpfr_tanh, nullptr, kTanhRandom, kTanhHard},
     {"g_qsind", nullptr, nullptr, sind_ref, nullptr, kDegRandom, kDegHard},
     {"g_qcosd", nullptr, nullptr, cosd_ref, nullptr, kDegRandom, kDegHard},
     {"g_qtand", nullptr, nullptr, tand_ref, nullptr, kDegPoleRandom, kDegPoleHard},

@@ -28,6 +28,7 @@ enum class Spread {
     NearMultiple,  // k * unit, lo <= k <= hi (k log-uniform above 2^10; -k too if both_signs), moved by up to 64 units of the last place
     HardReduction, // binary128 x closest to multiples of unit among those with exponent lo..hi (continued fractions)
     BelowOne,      // 1 - 2^-t (t uniform in [lo, hi], random low bits), both signs if both_signs
+    Short,         // j 2^e with j odd below 256 and e uniform in [lo, hi]: where short terms tie
 };
 
 struct Range {

@@ -170,6 +170,12 @@ __float128 sample(const Range& g, Random& r, Scratch& s) {
             for (int i = 0; i > j; --i) x = nextafterq(x, -HUGE_VALQ);
             return x;
         }
+        case Spread::Short: {
+            const int e = static_cast<int>(g.lo + r.next() % static_cast<std::uint64_t>(g.hi - g.lo + 1));
+            __float128 x = ldexpq(static_cast<__float128>(2 * (r.next() % 128) + 1), e);
+            if (g.both_signs && (r.next() & 1)) x = -x;
+            return x;
+        }
         case Spread::BelowOne: {
             const double t = g.lo + r.unit() * (g.hi - g.lo);
             __float128 x = 1 - ldexpq(1 + r.unit128(), -static_cast<int>(t) - 1);
