@@ -88,6 +88,8 @@ const Entry kEntries[] = {
     {"atan2q", nullptr, g_qatan2q, nullptr, atan2q_peer, -4, 4, false, false},
     {"asinq", g_qasinq, nullptr, asinq_peer, nullptr, -1, 1, false, false},
     {"acosq", g_qacosq, nullptr, acosq_peer, nullptr, -1, 1, false, false},
+    {"sqrt", g_qsqrt, nullptr, sqrtq, nullptr, -16000, 16000, true, false},
+    {"cbrt", g_qcbrt, nullptr, cbrtq, nullptr, -16000, 16000, true, true},
     {"sinh", g_qsinh, nullptr, sinhq, nullptr, -100, 100, false, false},
     {"cosh", g_qcosh, nullptr, coshq, nullptr, -100, 100, false, false},
     {"tanh", g_qtanh, nullptr, tanhq, nullptr, -5, 5, false, false},

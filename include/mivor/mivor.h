@@ -147,6 +147,8 @@ MIVOR_API mivor_real16 *g_qatan2q(mivor_real16 *result, const mivor_real16 *a0, 
 MIVOR_API mivor_real16 *g_qsinh(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qcosh(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qtanh(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qsqrt(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qcbrt(mivor_real16 *result, const mivor_real16 *a0);
 
 /* power */
 MIVOR_API float g_arxi(const float *a0, const int32_t *a1);

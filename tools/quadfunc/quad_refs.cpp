@@ -126,6 +126,27 @@ constexpr Range kTanhHard[] = {
     {"where tanh reaches 1: [38, 41]", Spread::Uniform, 38.0, 41.0, true},
 };
 
+// ---- roots ------------------------------------------------------------------
+
+constexpr Range kSqrtRandom[] = {
+    {"log-uniform over all positive numbers", Spread::LogUniform, -16494, 16383},
+    {"uniform in [0, 4]", Spread::Uniform, 0.0, 4.0},
+};
+constexpr Range kSqrtHard[] = {
+    {"near 1", Spread::BelowOne, 1, 112},
+    {"subnormals", Spread::LogUniform, -16494, -16382},
+    {"short j 2^e (squares and near squares)", Spread::Short, -200, 200},
+};
+constexpr Range kCbrtRandom[] = {
+    {"log-uniform over all numbers", Spread::LogUniform, -16494, 16383, true},
+    {"uniform in [-8, 8]", Spread::Uniform, -8.0, 8.0},
+};
+constexpr Range kCbrtHard[] = {
+    {"near 1", Spread::BelowOne, 1, 112, true},
+    {"subnormals", Spread::LogUniform, -16494, -16382, true},
+    {"short j 2^e (cubes and near cubes)", Spread::Short, -200, 200, true},
+};
+
 // ---- degree and quadrant forms ---------------------------------------------
 
 constexpr Range kDegRandom[] = {
@@ -223,6 +244,8 @@ constexpr Reference kReferences[] = {
     {"g_qsinh", nullptr, nullptr, mpfr_sinh, nullptr, kHypRandom, kHypHard},
     {"g_qcosh", nullptr, nullptr, mpfr_cosh, nullptr, kHypRandom, kHypHard},
     {"g_qtanh", nullptr, nullptr, mpfr_tanh, nullptr, kTanhRandom, kTanhHard},
+    {"g_qsqrt", nullptr, nullptr, mpfr_sqrt, nullptr, kSqrtRandom, kSqrtHard, 0.5, 100.0},
+    {"g_qcbrt", nullptr, nullptr, mpfr_cbrt, nullptr, kCbrtRandom, kCbrtHard, 0.5, 100.0},
     {"g_qsind", nullptr, nullptr, sind_ref, nullptr, kDegRandom, kDegHard},
     {"g_qcosd", nullptr, nullptr, cosd_ref, nullptr, kDegRandom, kDegHard},
     {"g_qtand", nullptr, nullptr, tand_ref, nullptr, kDegPoleRandom, kDegPoleHard},
