@@ -149,6 +149,10 @@ MIVOR_API mivor_real16 *g_qcosh(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qtanh(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qsqrt(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qcbrt(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qgamma(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qlgama(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qerf(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *g_qerfc(mivor_real16 *result, const mivor_real16 *a0);
 
 /* power */
 MIVOR_API float g_arxi(const float *a0, const int32_t *a1);

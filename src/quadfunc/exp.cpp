@@ -61,6 +61,24 @@ U192 to_s176(const Wide& x) {
     return x.neg ? neg(X) : X;
 }
 
+U192 square_s176(const Wide& x) {
+    if (is_zero(x)) return U192{0, 0, 0};
+    // x^2 = m^2 2^(2e - 256) = (m^2 >> (80 - 2e)) in S.176; 2e <= 15.
+    const U256 p = mul_full(x.m, x.m);
+    const int shift = 80 - 2 * x.e;  // >= 65
+    if (shift >= 256) return U192{0, 0, 0};
+    const std::uint64_t w[4] = {p.w0, p.w1, p.w2, p.w3};
+    auto bits = [&w](int from) -> std::uint64_t {
+        if (from >= 256) return 0;
+        const int i = from >> 6, s = from & 63;
+        std::uint64_t v = w[i] >> s;
+        if (s != 0 && i + 1 < 4) v |= w[i + 1] << (64 - s);
+        return v;
+    };
+    U192 r{bits(shift + 128), bits(shift + 64), bits(shift)};
+    return add(r, U192{0, 0, (bits(shift - 1) & 1)});
+}
+
 namespace {
 
 // (X - k ln2/256) in S.176 rounded to S.136, for k the nearest integer of

@@ -41,6 +41,11 @@ Wide exp_s176(U192 X);
 // x (a working value with |x| < 2^15) in S.176, rounded to nearest.
 U192 to_s176(const Wide& x);
 
+// x^2 in S.176 for |x| < 2^7.5, from the exact 256-bit square of the
+// significand, rounded to nearest (2^-177): e^(-x^2) then needs nothing
+// more.
+U192 square_s176(const Wide& x);
+
 // e^x rounded to REAL(16) for |x| < 2^-20: 1 + x + x^2 q(x) summed
 // exactly and rounded once (accumulate.h), so that the ties of 1 + x +
 // x^2/2 are told apart by the terms beyond.

@@ -63,10 +63,10 @@ def bound_text(tok):
     return f"{float(v):.3g} (2^{math.log2(float(v)):.1f})"
 
 
-def wide_lit(sig, e):
+def wide_lit(sig, e, neg=0):
     hi, lo = words(sig, 2)
     assert hi >> 63 == 1
-    return f"{{0x{hi:016X}u, 0x{lo:016X}u, {e}, 0}}"
+    return f"{{0x{hi:016X}u, 0x{lo:016X}u, {e}, {neg}}}"
 
 
 # ---- exp_log ---------------------------------------------------------------
@@ -341,11 +341,166 @@ def hyperbolic_text():
     return "\n".join(out)
 
 
+# ---- erf --------------------------------------------------------------------
+
+def wide_of(v):
+    """A positive or negative Fraction as a working-format literal, rounded to nearest."""
+    neg = 1 if v < 0 else 0
+    v = abs(v)
+    e = 0
+    while v >= 1:
+        v /= 2
+        e += 1
+    while v < Fraction(1, 2):
+        v *= 2
+        e -= 1
+    sig = round(v * (1 << 128))
+    if sig == 1 << 128:
+        sig >>= 1
+        e += 1
+    return wide_lit(sig, e, neg)
+
+
+def erf_text():
+    items = run_mpfr_program("erf_coefficients.c")
+    E, C, pieces, bounds = {}, {}, [], {}
+    for f in items:
+        if f[0] == "E":
+            E[int(f[1])] = (int(f[2]), int(f[3]), int(f[4]))
+        elif f[0] == "C":
+            C[(int(f[1]), int(f[2]))] = (int(f[3]), int(f[4]), int(f[5]))
+        elif f[0] in ("X", "S"):
+            pieces.append((f[0], int(f[1]), Fraction(f[2]), Fraction(f[3]), int(f[4])))
+        elif f[0] == "bound":
+            bounds[f[1]] = f[2]
+    assert len(E) == 20 and len(pieces) == 14
+    def zero_or(t):
+        return "{0, 0, 0, 0}" if t[0] == 0 else wide_lit(*t)
+    def short(v):
+        return bound_text(v)
+    out = [head("erf_coefficients.c"),
+           "//",
+           "// Polynomials of the REAL(16) error functions (see erf.cpp for how they are",
+           "// used and the error analysis): Chebyshev interpolants computed by MPFR in",
+           "// 320-bit arithmetic, as monomials in t in [-1, 1], coefficients rounded to",
+           "// nearest in the working format; the errors quoted are the largest relative",
+           "// errors found on 2000 points of each interval with the rounded coefficients.",
+           "#pragma once",
+           "",
+           "#include \"quadfunc/wide.h\"",
+           "",
+           "namespace mivor::quadfunc::erf_data {",
+           "",
+           "// erf(x)/x = sum e_i t^i with t = 8 x^2 - 1 in [-1, 1] (|x| <= 1/2), i = 19",
+           f"// down to 0; error {short(bounds['small'])}.",
+           "inline constexpr WideConst kErfSmall[20] = {"]
+    for i in range(19, -1, -1):
+        out.append(f"    {zero_or(E[i])},")
+    out += ["};",
+            "",
+            "// The pieces of erfcx(x) = e^(x^2) erfc(x): in x for x in [1/2, 5/2) (width",
+            "// 1/2), then as G(s) = erfcx(1/s)/s in s = 1/x from 2/5 down by the ratio 2/3",
+            "// (x up to 144); on each, t = (v - center) inv_half in [-1, 1] and the",
+            "// polynomial's coefficients from kErfCoefficients[first], highest degree",
+            "// first.  `low` is the lower end in s of an s piece.",
+            "struct ErfPiece {",
+            "    WideConst center, inv_half, low;",
+            "    int degree, first;",
+            "};",
+            f"inline constexpr int kErfPieceCount = {len(pieces)};",
+            "inline constexpr ErfPiece kErfPieces[kErfPieceCount] = {"]
+    first = 0
+    coef_lines = []
+    for kind, k, lo, hi, deg in pieces:
+        out.append(f"    {{{wide_of((lo + hi) / 2)}, {wide_of(2 / (hi - lo))}, {wide_of(lo)}, {deg}, {first}}},"
+                   f"  // {kind} [{float(lo):.6g}, {float(hi):.6g}]: {short(bounds[str(k)])}")
+        coef_lines.append(f"    // piece {k}")
+        for i in range(deg, -1, -1):
+            coef_lines.append(f"    {zero_or(C[(k, i)])},")
+        first += deg + 1
+    out += ["};",
+            "",
+            f"inline constexpr WideConst kErfCoefficients[{first}] = {{"]
+    out += coef_lines
+    out += ["};",
+            "",
+            "}  // namespace mivor::quadfunc::erf_data",
+            ""]
+    return "\n".join(out)
+
+
+# ---- gamma ------------------------------------------------------------------
+
+def run_mpfr_program(source):
+    """Compile a C program against MPFR and run it; its output lines, split."""
+    with tempfile.TemporaryDirectory() as tmp:
+        exe = pathlib.Path(tmp) / "gen"
+        subprocess.run(["cc", "-O1", str(HERE / source), "-lmpfr", "-lgmp", "-o", str(exe)], check=True)
+        out = subprocess.run([str(exe)], check=True, capture_output=True, text=True).stdout
+    return [line.split() for line in out.splitlines() if line.strip()]
+
+
+def gamma_text():
+    items = run_mpfr_program("gamma_coefficients.c")
+    S, A, Bt, K, W, bounds = {}, {}, {}, {}, {}, {}
+    for f in items:
+        if f[0] == "bound":
+            bounds[f[1]] = f[2]
+        elif f[0] in ("S", "A", "B"):
+            {"S": S, "A": A, "B": Bt}[f[0]][int(f[1])] = (int(f[2]), int(f[3]), int(f[4]))
+        elif f[0] == "K":
+            K[f[1]] = int(f[2])
+        elif f[0] == "W":
+            W[f[1]] = (int(f[2]), int(f[3]), int(f[4]))
+    assert len(S) == 22 and len(A) == 20 and len(Bt) == 20
+    out = [head("gamma_coefficients.c"),
+           "//",
+           "// Coefficients of the REAL(16) gamma and log-gamma functions (see gamma.cpp",
+           "// for how they are used and the error analysis), computed by MPFR in",
+           "// 600-bit arithmetic and rounded to nearest in the working format.",
+           "#pragma once",
+           "",
+           "#include \"quadfunc/fixed.h\"",
+           "#include \"quadfunc/wide.h\"",
+           "",
+           "namespace mivor::quadfunc::gamma_data {",
+           "",
+           "// Stirling's series: a_k = B_2k/(2k(2k-1)), k = 22 down to 1, so that",
+           "// ln Gamma(y) = (y - 1/2) ln y - y + ln(2 pi)/2 + (1/y) sum_k a_k (1/y^2)^(k-1);",
+           f"// at y = 20 the first omitted term is {bounds['stirling']}.",
+           "inline constexpr WideConst kStirling[22] = {"]
+    for k in range(22, 0, -1):
+        out.append(f"    {wide_lit(*S[k])},  // a{k}")
+    out += ["};",
+            "",
+            "// ln Gamma(1 + z) = sum_k A_k z^k and ln Gamma(2 + z) = sum_k B_k z^k, k = 20",
+            "// down to 1 (A_1 = -gamma, A_k = (-1)^k zeta(k)/k; B_1 = 1 - gamma, B_k =",
+            "// (-1)^k (zeta(k) - 1)/k); for |z| <= 1/128 the first omitted term is below",
+            f"// {bounds['near1']} (at 1) and {bounds['near2']} (at 2) of the result.",
+            "inline constexpr WideConst kNearOne[20] = {"]
+    for k in range(20, 0, -1):
+        out.append(f"    {wide_lit(*A[k])},  // A{k}")
+    out += ["};", "inline constexpr WideConst kNearTwo[20] = {"]
+    for k in range(20, 0, -1):
+        out.append(f"    {wide_lit(*Bt[k])},  // B{k}")
+    out += ["};",
+            "",
+            "// ln(2 pi)/2 in S.176 and ln(pi) in the working format, rounded to nearest.",
+            f"inline constexpr U192 kHalfLn2Pi = {lit(words(K['half_ln_2pi'], 3))};",
+            f"inline constexpr WideConst kLnPi = {wide_lit(*W['ln_pi'])};",
+            "",
+            "}  // namespace mivor::quadfunc::gamma_data",
+            ""]
+    return "\n".join(out)
+
+
 FAMILIES = {
     "exp_log": ("exp_log_data.h", exp_log_text),
     "sincos": ("sincos_data.h", sincos_text),
     "atan": ("atan_data.h", atan_text),
     "hyperbolic": ("hyperbolic_data.h", hyperbolic_text),
+    "gamma": ("gamma_data.h", gamma_text),
+    "erf": ("erf_data.h", erf_text),
 }
 
 

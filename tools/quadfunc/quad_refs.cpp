@@ -147,6 +147,59 @@ constexpr Range kCbrtHard[] = {
     {"short j 2^e (cubes and near cubes)", Spread::Short, -200, 200, true},
 };
 
+// ---- gamma and log-gamma ------------------------------------------------------
+
+constexpr Range kGammaRandom[] = {
+    {"uniform in (0, 40]", Spread::Uniform, 0.0, 40.0},
+    {"uniform in [-40, 0)", Spread::Uniform, -40.0, 0.0},
+    {"log-uniform magnitudes 2^-120 .. 2^10", Spread::LogUniform, -120, 10},
+};
+constexpr Range kGammaHard[] = {
+    {"near 1 and 2", Spread::Uniform, 0.98, 2.02},
+    {"next to negative integers to -170", Spread::NearMultiple, 1, 170, false, nullptr, -1.0, 0, 0, false},
+    {"near overflow [1700, 1755.4]", Spread::Uniform, 1700.0, 1755.4},
+    {"tiny 2^-120 .. 2^-40", Spread::LogUniform, -120, -40, true},
+    {"short j 2^e", Spread::Short, -10, 2},
+};
+constexpr Range kLgammaRandom[] = {
+    {"uniform in [-40, 40]", Spread::Uniform, -40.0, 40.0},
+    {"log-uniform magnitudes 2^-120 .. 2^16370", Spread::LogUniform, -120, 16370},
+};
+constexpr Range kLgammaHard[] = {
+    {"near 1: [0.99, 1.01]", Spread::Uniform, 0.99, 1.01},
+    {"near 2: [1.99, 2.01]", Spread::Uniform, 1.99, 2.01},
+    {"very near 1 and 2", Spread::NearMultiple, 1, 2, false, nullptr, 1.0},
+    {"around the minimum 1.46", Spread::Uniform, 1.2, 1.7},
+    {"next to negative integers to -170", Spread::NearMultiple, 1, 170, false, nullptr, -1.0, 0, 0, false},
+    {"tiny 2^-120 .. 2^-40", Spread::LogUniform, -120, -40, true},
+    {"within 2^-10 of the zero -2.4570247", Spread::Uniform, -2.4580, -2.4560, false, nullptr, 1.0, 0, 0, true, true},
+    {"within 2^-10 of the zero -2.7476826", Spread::Uniform, -2.7487, -2.7467, false, nullptr, 1.0, 0, 0, true, true},
+    {"within 2^-10 of the zero -3.1435809", Spread::Uniform, -3.1446, -3.1426, false, nullptr, 1.0, 0, 0, true, true},
+    {"within 2^-10 of the zero -3.9552943", Spread::Uniform, -3.9563, -3.9543, false, nullptr, 1.0, 0, 0, true, true},
+};
+
+// ---- error functions ------------------------------------------------------------
+
+constexpr Range kErfRandom[] = {
+    {"uniform in [-6, 6]", Spread::Uniform, -6.0, 6.0},
+    {"log-uniform magnitudes 2^-120 .. 2^3", Spread::LogUniform, -120, 3, true},
+};
+constexpr Range kErfHard[] = {
+    {"near the piece ends 1/2 .. 5/2", Spread::NearMultiple, 1, 5, true, nullptr, 0.5},
+    {"tiny 2^-16382 .. 2^-40", Spread::LogUniform, -16382, -40, true},
+    {"where erf reaches 1: [8, 9.5]", Spread::Uniform, 8.0, 9.5, true},
+};
+constexpr Range kErfcRandom[] = {
+    {"uniform in [-10, 107]", Spread::Uniform, -10.0, 107.0},
+    {"log-uniform magnitudes 2^-120 .. 2^6.7", Spread::LogUniform, -120, 6.7, true},
+};
+constexpr Range kErfcHard[] = {
+    {"near the piece ends 1/2 .. 5/2", Spread::NearMultiple, 1, 5, true, nullptr, 0.5},
+    {"near underflow [100, 106.56]", Spread::Uniform, 100.0, 106.56},
+    {"[2.4, 12]", Spread::Uniform, 2.4, 12.0},
+    {"tiny 2^-120 .. 2^-40", Spread::LogUniform, -120, -40, true},
+};
+
 // ---- degree and quadrant forms ---------------------------------------------
 
 constexpr Range kDegRandom[] = {
@@ -189,6 +242,10 @@ constexpr Range kQuadPoleHard[] = {
 };
 
 int exp10_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_exp10(y, x, r); }
+int lgamma_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) {
+    int sign;
+    return mpfr_lgamma(y, &sign, x, r);
+}
 int sind_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_sinu(y, x, 360, r); }
 int cosd_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_cosu(y, x, 360, r); }
 int tand_ref(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_tanu(y, x, 360, r); }
@@ -246,6 +303,10 @@ constexpr Reference kReferences[] = {
     {"g_qtanh", nullptr, nullptr, mpfr_tanh, nullptr, kTanhRandom, kTanhHard},
     {"g_qsqrt", nullptr, nullptr, mpfr_sqrt, nullptr, kSqrtRandom, kSqrtHard, 0.5, 100.0},
     {"g_qcbrt", nullptr, nullptr, mpfr_cbrt, nullptr, kCbrtRandom, kCbrtHard, 0.5, 100.0},
+    {"g_qgamma", nullptr, nullptr, mpfr_gamma, nullptr, kGammaRandom, kGammaHard, 1.0, 99.0},
+    {"g_qlgama", nullptr, nullptr, lgamma_ref, nullptr, kLgammaRandom, kLgammaHard, 1.0, 99.0},
+    {"g_qerf", nullptr, nullptr, mpfr_erf, nullptr, kErfRandom, kErfHard, 1.0, 99.9},
+    {"g_qerfc", nullptr, nullptr, mpfr_erfc, nullptr, kErfcRandom, kErfcHard, 1.0, 99.9},
     {"g_qsind", nullptr, nullptr, sind_ref, nullptr, kDegRandom, kDegHard},
     {"g_qcosd", nullptr, nullptr, cosd_ref, nullptr, kDegRandom, kDegHard},
     {"g_qtand", nullptr, nullptr, tand_ref, nullptr, kDegPoleRandom, kDegPoleHard},

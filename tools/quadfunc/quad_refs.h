@@ -42,6 +42,10 @@ struct Range {
     double lo2 = 0, hi2 = 0;
     // NearMultiple: whether k * unit itself may come up (not at poles).
     bool exact_too = true;
+    // The error is stated absolutely here (next to a zero of the function,
+    // where it is promised only so): reported apart, in log2, and left
+    // out of the ulp figures and the bound check.
+    bool absolute = false;
 };
 
 struct Reference {

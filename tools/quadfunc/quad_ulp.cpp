@@ -195,6 +195,7 @@ __float128 sample(const Range& g, Random& r, Scratch& s) {
 struct Stats {
     std::uint64_t count = 0, correct = 0, flushed = 0, mismatched = 0, reported = 0;
     double max_ulp = 0, sum_ulp = 0;
+    double max_abs_log2 = -10000;  // largest absolute error, as a power of two
     __float128 worst_x = 0, worst_y = 0;
     void merge(const Stats& o) {
         count += o.count;
@@ -203,6 +204,7 @@ struct Stats {
         mismatched += o.mismatched;
         reported += o.reported;
         sum_ulp += o.sum_ulp;
+        if (o.max_abs_log2 > max_abs_log2) max_abs_log2 = o.max_abs_log2;
         if (o.max_ulp > max_ulp) {
             max_ulp = o.max_ulp;
             worst_x = o.worst_x;
@@ -252,6 +254,12 @@ void measure_one(const Reference& ref, const mivor::exports::Row& row, __float12
     mpfr_set_float128(s.ours, ours, MPFR_RNDN);
     mpfr_sub(s.diff, s.ours, s.ref, MPFR_RNDN);
     mpfr_abs(s.diff, s.diff, MPFR_RNDN);
+    if (!mpfr_zero_p(s.diff)) {
+        mpfr_set(s.t, s.diff, MPFR_RNDN);
+        mpfr_log2(s.t, s.t, MPFR_RNDN);
+        const double a = mpfr_get_d(s.t, MPFR_RNDN);
+        if (a > st.max_abs_log2) st.max_abs_log2 = a;
+    }
     mpfr_mul_2si(s.diff, s.diff, 112 - (e - 1), MPFR_RNDN);
     const double err = mpfr_get_d(s.diff, MPFR_RNDU);
     mpfr_set(s.rounded, s.ref, MPFR_RNDN);
@@ -268,6 +276,14 @@ std::string text(__float128 v) {
     char buf[64];
     quadmath_snprintf(buf, sizeof buf, "%.36Qg", v);
     return buf;
+}
+
+void print_absolute(const char* label, const Stats& st) {
+    std::printf("  %-44s %8" PRIu64 "  absolute error at most 2^%.1f (stated there instead of ulps)", label,
+                st.count, st.max_abs_log2);
+    if (st.mismatched) std::printf("  NaN/Inf mismatches: %" PRIu64, st.mismatched);
+    if (st.reported) std::printf("  reports: %" PRIu64, st.reported);
+    std::printf("\n");
 }
 
 void print_stats(const char* label, const Stats& st, bool two) {
@@ -350,6 +366,11 @@ int main(int argc, char** argv) {
         }
         for (const Range& g : ref.hard) {
             const Stats st = run(g, hard, salt++);
+            if (g.absolute) {
+                print_absolute(std::string(g.label).c_str(), st);
+                if (st.mismatched || st.reported) bad = true;
+                continue;
+            }
             print_stats(std::string(g.label).c_str(), st, ref.ref2 != nullptr);
             all.merge(st);
         }
