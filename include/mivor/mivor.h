@@ -114,6 +114,26 @@ MIVOR_API __m128d pk_dcos(__m128d x0);
 #endif
 
 /* quadfunc */
+MIVOR_API mivor_work *jwe_guunp(mivor_work *result, const mivor_real16 *a0);
+MIVOR_API mivor_real16 *jwe_gurnd(mivor_real16 *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_guadd(mivor_work *result, const mivor_work *a0, const mivor_work *a1);
+MIVOR_API mivor_work *jwe_gumul(mivor_work *result, const mivor_work *a0, const mivor_work *a1);
+MIVOR_API mivor_work *jwe_gudiv(mivor_work *result, const mivor_work *a0, const mivor_work *a1);
+MIVOR_API mivor_work *jwe_gusqt(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_guexp(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_gulog(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_gusin(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_gucos(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_gutan(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_guatn(mivor_work *result, const mivor_work *a0, const mivor_work *a1);
+MIVOR_API mivor_work *jwe_guasn(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_guacs(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_gusnh(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_gucsh(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_guthn(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_gulgm(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_guerf(mivor_work *result, const mivor_work *a0);
+MIVOR_API mivor_work *jwe_guerc(mivor_work *result, const mivor_work *a0);
 MIVOR_API mivor_real16 *g_qexp(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qexp2(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_real16 *g_qexp10(mivor_real16 *result, const mivor_real16 *a0);
