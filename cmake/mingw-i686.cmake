@@ -5,6 +5,12 @@ set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-win32)
 set(CMAKE_CXX_COMPILER i686-w64-mingw32-g++-win32)
 set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
+# mingw-w64's gfortran (Debian gfortran-mingw-w64-i686), for the Fortran
+# client of the tests, when it is installed.
+find_program(MIVOR_MINGW_GFORTRAN i686-w64-mingw32-gfortran-win32)
+if(MIVOR_MINGW_GFORTRAN)
+  set(CMAKE_Fortran_COMPILER ${MIVOR_MINGW_GFORTRAN})
+endif()
 set(CMAKE_FIND_ROOT_PATH /usr/i686-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -4,9 +4,10 @@
   check_exports.py LIBRARY [--objdump OBJDUMP] [--nm NM]
 
 For an ELF shared object: the dynamic symbols it defines are exactly the
-implemented rows of src/exports/exports.tab; it leaves jwe_lca, jwe_x_init
-and jwe_xint undefined (the core run-time provides them) and calls nothing
-from the platform's maths library.
+implemented rows of src/exports/exports.tab and the reference-BLAS entries
+of the Linux builds (dgemm_, dgemv_ and a weak xerbla_); it leaves jwe_lca,
+jwe_x_init and jwe_xint undefined (the core run-time provides them) and
+calls nothing from the platform's maths library.
 
 For a PE DLL: its export table is exactly the implemented rows; it imports
 only from KERNEL32, msvcrt and mivori.dll, and no maths function from msvcrt.
@@ -28,6 +29,8 @@ LIBM = re.compile(
     r"nearbyint|rint|lrint|llrint|fma|fdim|fmax|fmin|nextafter|nexttoward|ilogb|j0|j1|jn|y0|y1|yn)"
     r"[fl]?(_finite)?$")
 CORE = {"jwe_lca", "jwe_x_init", "jwe_xint"}
+# Linux only, outside the table: the Windows library exports exactly the table.
+ELF_BLAS = {"dgemm_", "dgemv_", "xerbla_"}
 ALLOWED_DLLS = {"kernel32.dll", "msvcrt.dll", "mivori.dll"}
 
 
@@ -45,7 +48,13 @@ def check_elf(path, nm):
     maths = sorted(s for s in needed if LIBM.match(s))
     if maths:
         problems.append(f"calls the platform's maths library: {maths}")
-    return exported, problems
+    missing_blas = sorted(ELF_BLAS - exported)
+    if missing_blas:
+        problems.append(f"misses the reference-BLAS entries {missing_blas}")
+    weak = {line.split()[-1] for line in defined if line.strip() and line.split()[-2] == "W"}
+    if "xerbla_" not in weak:
+        problems.append("xerbla_ is not weak: a program's own could not take precedence")
+    return exported - ELF_BLAS, problems
 
 
 def check_pe(path, objdump):

@@ -23,6 +23,10 @@ REGISTRY = ROOT / "src/exports/registry.inc"
 
 FAMILIES = ("quad", "elementary", "quadfunc", "power", "complex", "model", "matmul")
 
+# What an implemented export's results are checked against (see the table's
+# header); `-` only for rows not implemented yet.
+ORACLES = ("mpfr", "float128", "gfortran", "definition", "reference", "scalar")
+
 # Argument kinds: C type pointed to (every argument is passed by address,
 # except the packed vector).
 ARG_TYPES = {
@@ -55,15 +59,23 @@ VALUE_MEMBER = {
 
 
 class Row:
-    def __init__(self, fields, line_no):
-        if len(fields) != 6:
-            raise SystemExit(f"exports.tab:{line_no}: expected 6 columns, got {len(fields)}")
-        self.name, self.result, args, self.family, errors, state = fields
+    def __init__(self, fields, line_no, where="exports.tab"):
+        if len(fields) != 8:
+            raise SystemExit(f"{where}:{line_no}: expected 8 columns, got {len(fields)}")
+        self.name, self.result, args, self.family, errors, self.oracle, test, state = fields
         self.args = [] if args == "-" else args.split(",")
         self.errors = [] if errors == "-" else errors.split(",")
         if state not in ("done", "todo"):
-            raise SystemExit(f"exports.tab:{line_no}: state must be done or todo")
+            raise SystemExit(f"{where}:{line_no}: state must be done or todo")
         self.done = state == "done"
+        # "TEST" or "TEST:GTEST_FILTER"
+        self.test, _, self.test_filter = ("" if test == "-" else test).partition(":")
+        if self.done and self.oracle not in ORACLES:
+            raise SystemExit(f"{where}:{line_no}: {self.name} is done but its oracle is "
+                             f"'{self.oracle}' (one of {', '.join(ORACLES)})")
+        if self.done and not self.test:
+            raise SystemExit(f"{where}:{line_no}: {self.name} is done but names no test "
+                             "that fails when it is replaced by a stub")
         if self.family not in FAMILIES:
             raise SystemExit(f"exports.tab:{line_no}: unknown family {self.family}")
         if self.result not in VALUE_RESULTS and self.result not in POINTER_RESULTS:
@@ -97,13 +109,14 @@ class Row:
         return f"MIVOR_API {ret}{self.name}({', '.join(params) or 'void'});"
 
 
-def read_table():
+def read_table(path=TABLE):
     rows, seen = [], set()
-    for n, line in enumerate(TABLE.read_text().splitlines(), 1):
+    path = pathlib.Path(path)
+    for n, line in enumerate(path.read_text().splitlines(), 1):
         line = line.split("#", 1)[0].strip()
         if not line:
             continue
-        row = Row(line.split(), n)
+        row = Row(line.split(), n, path.name)
         if row.name in seen:
             raise SystemExit(f"exports.tab:{n}: {row.name} listed twice")
         seen.add(row.name)
@@ -196,7 +209,7 @@ def thunk(row):
 
 def registry_text(rows):
     out = [f"// {GENERATED}",
-           "// MIVOR_EXPORT_ROW(name, result, arguments, family, errors, thunk)",
+           "// MIVOR_EXPORT_ROW(name, result, arguments, family, errors, oracle, thunk)",
            "// The thunk is null for exports that are not implemented yet."]
     for r in rows:
         args = ",".join(r.args) or "-"
@@ -204,12 +217,12 @@ def registry_text(rows):
         t = thunk(r) if r.done else "nullptr"
         if r.done and r.vector:
             out.append("#if defined(__SSE2__)")
-            out.append(f'MIVOR_EXPORT_ROW("{r.name}", "{r.result}", "{args}", "{r.family}", "{errors}", {t})')
+            out.append(f'MIVOR_EXPORT_ROW("{r.name}", "{r.result}", "{args}", "{r.family}", "{errors}", "{r.oracle}", {t})')
             out.append("#else")
-            out.append(f'MIVOR_EXPORT_ROW("{r.name}", "{r.result}", "{args}", "{r.family}", "{errors}", nullptr)')
+            out.append(f'MIVOR_EXPORT_ROW("{r.name}", "{r.result}", "{args}", "{r.family}", "{errors}", "{r.oracle}", nullptr)')
             out.append("#endif")
         else:
-            out.append(f'MIVOR_EXPORT_ROW("{r.name}", "{r.result}", "{args}", "{r.family}", "{errors}", {t})')
+            out.append(f'MIVOR_EXPORT_ROW("{r.name}", "{r.result}", "{args}", "{r.family}", "{errors}", "{r.oracle}", {t})')
     return "\n".join(out) + "\n"
 
 

@@ -16,15 +16,20 @@ if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
 
 PACKAGES=(
   build-essential cmake ninja-build python3 git
-  gcc-multilib g++-multilib
+  gcc-multilib g++-multilib lib32asan8 lib32ubsan1
   g++-mingw-w64-i686 binutils-mingw-w64-i686
   googletest libgtest-dev libbenchmark-dev
   libmpfr-dev libgmp-dev sollya
-  gfortran libopenblas-dev
+  gfortran lib32gfortran-12-dev gfortran-mingw-w64-i686 libopenblas-dev
+  libblas-test
+  clang libclang-rt-14-dev
 )
 
 # Google Benchmark for the i386 flavour's benchmarks.
 I386_PACKAGES=(libbenchmark-dev:i386)
+# Wanted but not required: the i386 matrix benchmark's peer.  Without it
+# the i386 flavour builds no matmul_bench.
+OPTIONAL_PACKAGES=(libopenblas-dev:i386)
 
 missing=()
 for p in "${PACKAGES[@]}" "${I386_PACKAGES[@]}"; do
@@ -39,6 +44,13 @@ if [ ${#missing[@]} -gt 0 ]; then
     exit 1
   }
 fi
+
+for p in "${OPTIONAL_PACKAGES[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
+    $SUDO apt-get -q install -y --no-install-recommends "$p" >/dev/null 2>&1 ||
+      echo "install-deps: optional $p could not be installed; going on without it" >&2
+  fi
+done
 
 if [ "${1:-}" = "--wine" ]; then
   if command -v wine >/dev/null 2>&1 && dpkg-query -W -f='${Status}' wine32:i386 2>/dev/null | grep -q "ok installed"; then

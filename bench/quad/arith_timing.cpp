@@ -19,17 +19,22 @@ using mivor_bench::kN;
 
 constexpr int kPasses = 50;
 
-struct Operands {
-    mivor_real16 x[kN], y[kN], r[kN];
-    __float128 fx[kN], fy[kN], fr[kN];
-};
-Operands spread, chain;
+using mivor_bench::kPool;
 
+template <int n>
+struct Operands {
+    mivor_real16 x[n], y[n], r[n];
+    __float128 fx[n], fy[n], fr[n];
+};
+Operands<kPool> spread;  // walked kN pairs per pass
+Operands<kN> chain;
+
+// body(base) does kN operations from pair `base` of the pool on.
 template <class Body>
 double ns_per_op(Body body) {
     const auto t0 = std::chrono::steady_clock::now();
     for (int p = 0; p < kPasses; ++p) {
-        body();
+        body((p * kN) % kPool);
         __asm__ __volatile__("" ::: "memory");  // every pass is done anew
     }
     const auto t1 = std::chrono::steady_clock::now();
@@ -41,24 +46,24 @@ void measure(const char* name, int reps) {
     const mivor_bench::QuadOp fn = mivor_bench::kMivorQuadOps[Op];
     double best[4] = {1e30, 1e30, 1e30, 1e30};  // latency mivor/f128, throughput mivor/f128
     for (int rep = 0; rep < reps; ++rep) {
-        double t = ns_per_op([&] {
+        double t = ns_per_op([&](int) {
             mivor_real16 r = chain.x[0];
             for (int i = 0; i < kN; ++i) fn(&r, &r, &chain.y[i]);
             chain.r[0] = r;
         });
         if (t < best[0]) best[0] = t;
-        t = ns_per_op([&] {
+        t = ns_per_op([&](int) {
             __float128 r = chain.fx[0];
             for (int i = 0; i < kN; ++i) r = f128_op<Op>(r, chain.fy[i]);
             chain.fr[0] = r;
         });
         if (t < best[1]) best[1] = t;
-        t = ns_per_op([&] {
-            for (int i = 0; i < kN; ++i) fn(&spread.r[i], &spread.x[i], &spread.y[i]);
+        t = ns_per_op([&](int base) {
+            for (int i = base; i < base + kN; ++i) fn(&spread.r[i], &spread.x[i], &spread.y[i]);
         });
         if (t < best[2]) best[2] = t;
-        t = ns_per_op([&] {
-            for (int i = 0; i < kN; ++i) spread.fr[i] = f128_op<Op>(spread.fx[i], spread.fy[i]);
+        t = ns_per_op([&](int base) {
+            for (int i = base; i < base + kN; ++i) spread.fr[i] = f128_op<Op>(spread.fx[i], spread.fy[i]);
         });
         if (t < best[3]) best[3] = t;
     }

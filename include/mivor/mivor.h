@@ -179,14 +179,72 @@ MIVOR_API float g_arxi(const float *a0, const int32_t *a1);
 MIVOR_API float g_arxj(const float *a0, const int64_t *a1);
 MIVOR_API double g_adxi(const double *a0, const int32_t *a1);
 MIVOR_API double g_adxj(const double *a0, const int64_t *a1);
+MIVOR_API mivor_real16 *g_aqxi(mivor_real16 *result, const mivor_real16 *a0, const int32_t *a1);
+MIVOR_API mivor_real16 *g_aqxj(mivor_real16 *result, const mivor_real16 *a0, const int64_t *a1);
+MIVOR_API mivor_complex4 *g_acxi(mivor_complex4 *result, const mivor_complex4 *a0, const int32_t *a1);
+MIVOR_API mivor_complex4 *g_acxj(mivor_complex4 *result, const mivor_complex4 *a0, const int64_t *a1);
+MIVOR_API mivor_complex8 *g_axxi(mivor_complex8 *result, const mivor_complex8 *a0, const int32_t *a1);
+MIVOR_API mivor_complex8 *g_axxj(mivor_complex8 *result, const mivor_complex8 *a0, const int64_t *a1);
+MIVOR_API mivor_complex16 *g_azxi(mivor_complex16 *result, const mivor_complex16 *a0, const int32_t *a1);
+MIVOR_API mivor_complex16 *g_azxj(mivor_complex16 *result, const mivor_complex16 *a0, const int64_t *a1);
+
+/* complex */
+MIVOR_API mivor_complex4 *g_acmc(mivor_complex4 *result, const mivor_complex4 *a0, const mivor_complex4 *a1);
+MIVOR_API mivor_complex4 *g_acdc(mivor_complex4 *result, const mivor_complex4 *a0, const mivor_complex4 *a1);
+MIVOR_API mivor_complex8 *g_axmx(mivor_complex8 *result, const mivor_complex8 *a0, const mivor_complex8 *a1);
+MIVOR_API mivor_complex8 *g_axdx(mivor_complex8 *result, const mivor_complex8 *a0, const mivor_complex8 *a1);
+MIVOR_API mivor_complex16 *g_azmz(mivor_complex16 *result, const mivor_complex16 *a0, const mivor_complex16 *a1);
+MIVOR_API mivor_complex16 *g_azdz(mivor_complex16 *result, const mivor_complex16 *a0, const mivor_complex16 *a1);
 
 /* model */
+MIVOR_API int32_t g_expon(const float *a0);
+MIVOR_API int32_t g_expond(const double *a0);
+MIVOR_API int32_t g_exponq(const mivor_real16 *a0);
+MIVOR_API int64_t g_jexpon(const float *a0);
+MIVOR_API int64_t g_jexpnd(const double *a0);
+MIVOR_API int64_t g_jexpnq(const mivor_real16 *a0);
+MIVOR_API float g_fract(const float *a0);
+MIVOR_API double g_fractd(const double *a0);
+MIVOR_API mivor_real16 *g_fractq(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API float g_rrspa(const float *a0);
+MIVOR_API double g_rrspad(const double *a0);
+MIVOR_API mivor_real16 *g_rrspaq(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API float g_scale(const float *a0, const int32_t *a1);
+MIVOR_API double g_scaled(const double *a0, const int32_t *a1);
+MIVOR_API mivor_real16 *g_scaleq(mivor_real16 *result, const mivor_real16 *a0, const int32_t *a1);
+MIVOR_API float g_stexp(const float *a0, const int32_t *a1);
+MIVOR_API double g_stexpd(const double *a0, const int32_t *a1);
+MIVOR_API mivor_real16 *g_stexpq(mivor_real16 *result, const mivor_real16 *a0, const int32_t *a1);
+MIVOR_API float g_spaci(const float *a0);
+MIVOR_API double g_spacid(const double *a0);
+MIVOR_API mivor_real16 *g_spaciq(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API float g_modlr(const float *a0, const float *a1);
+MIVOR_API double g_modld(const double *a0, const double *a1);
+MIVOR_API mivor_real16 *g_modlq(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
+MIVOR_API float g_mrgr(const float *a0, const float *a1, const int32_t *a2);
+MIVOR_API double g_mrgd(const double *a0, const double *a1, const int32_t *a2);
+MIVOR_API mivor_real16 *g_mrgq(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1, const int32_t *a2);
+MIVOR_API mivor_complex4 *g_cmrg(mivor_complex4 *result, const mivor_complex4 *a0, const mivor_complex4 *a1, const int32_t *a2);
+MIVOR_API mivor_complex8 *g_dmrg(mivor_complex8 *result, const mivor_complex8 *a0, const mivor_complex8 *a1, const int32_t *a2);
+MIVOR_API mivor_complex16 *g_qmrg(mivor_complex16 *result, const mivor_complex16 *a0, const mivor_complex16 *a1, const int32_t *a2);
 MIVOR_API float g_neare(const float *a0, const float *a1);
 MIVOR_API double g_neared(const double *a0, const double *a1);
 MIVOR_API mivor_real16 *g_neareq(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
 MIVOR_API float g_neare2(const float *a0, const void *a1, const int32_t *a2);
 MIVOR_API double g_neared2(const double *a0, const void *a1, const int32_t *a2);
 MIVOR_API mivor_real16 *g_neareq2(mivor_real16 *result, const mivor_real16 *a0, const void *a1, const int32_t *a2);
+
+/* matmul */
+MIVOR_API void g_matmlr(const void *a0);
+MIVOR_API void g_matmld(const void *a0);
+MIVOR_API void g_matmlq(const void *a0);
+MIVOR_API void g_matmlc(const void *a0);
+MIVOR_API void g_matmlx(const void *a0);
+MIVOR_API void g_matmlz(const void *a0);
+MIVOR_API void jwe_gmd2(const void *a0);
+MIVOR_API void jwe_gmx2(const void *a0);
+MIVOR_API void g_mt21blasd(const void *a0);
+MIVOR_API void g_mt22blasd(const void *a0);
 
 #ifdef __cplusplus
 }

@@ -6,7 +6,7 @@
 // rebiases the exponent and shifts the fraction so that, times a[row], the
 // guess is the relative minimax line of the cube root over the row
 // (h >> 16) mod 48 = 16 r + top four fraction bits.  Tables and their rule:
-// cbrt_data.h, tools/gen_cbrt_table.py.  Then two Newton steps for
+// cbrt_data.h, tools/tables/gen_cbrt_table.py.  Then two Newton steps for
 // y^3 = x in x87 extended precision:
 //     y1 = (2 g + x/g^2) * third
 //     y2 = y1 + (x/y1^2 - y1) * third          (correction form)

@@ -23,7 +23,7 @@
 // below 0.1 ulp of the result), c0 + cl carries the constant term to
 // 2^-106, th s0 is exact, and the other rounding errors before the last
 // addition are below 2^-62: results are within 0.6 ulp (measured with
-// tools/elementary/trig_ulp).  Near a
+// `mivor accuracy`).  Near a
 // multiple of pi/2 above 9pi/4 the reduced argument has an absolute error
 // below 2^-105 (a < 1.05e8) or 2^-79 (a < 3.53e15); the ladder's constants
 // HP2 and PI2 are the library's, 3 units of their last place from pi/2 - HP1
@@ -157,12 +157,9 @@ double sin_or_cos(const double* arg);
 // again from the top with the corrected argument.
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] double refuse(double x) {
-    return report::settle<report::Form::direct>(
-        [](double x) -> report::Step<double, double> {
-            if (trig::magnitude(x) < DSINMX) return sin_or_cos<cosine>(&x);  // corrected
-            return report::fail(Error::sin_cos_refused_r8, _NaN_D, double_from_bits(kSubstitute));
-        },
-        x);
+    return report::settle_direct(
+        x, [](double x) { return trig::magnitude(x) < DSINMX; }, [](double x) { return sin_or_cos<cosine>(&x); },
+        report::fail(Error::sin_cos_refused_r8, _NaN_D, double_from_bits(kSubstitute)));
 }
 
 // The cosine is the sine a quadrant on; the sine takes the sign of x.

@@ -71,32 +71,22 @@ float tan_or_cot(float x);
 
 // Refused arguments (|x| >= 823000, Inf, NaN) and cot(+-0); a retry starts
 // again from the top with the corrected argument.
+inline bool in_range(float x) { return trig::magnitude(double(x)) < double(max); }
+
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] float refuse_sin_cos(float x) {
-    return report::settle<report::Form::direct>(
-        [](float x) -> report::Step<float, float> {
-            if (trig::magnitude(double(x)) < double(max)) return sin_or_cos<cosine>(x);  // corrected
-            return report::fail(Error::sin_cos_refused_r4, _NaN_F, float_from_bits(kSubstitute_F));
-        },
-        x);
+    return report::settle_direct(x, in_range, sin_or_cos<cosine>,
+                                 report::fail(Error::sin_cos_refused_r4, _NaN_F, float_from_bits(kSubstitute_F)));
 }
 template <bool cotangent>
 [[gnu::cold, gnu::noinline]] float refuse_tan_cot(float x) {
-    return report::settle<report::Form::direct>(
-        [](float x) -> report::Step<float, float> {
-            if (trig::magnitude(double(x)) < double(max)) return tan_or_cot<cotangent>(x);
-            return report::fail(Error::tan_cot_refused_r4, _NaN_F, 1.0f);
-        },
-        x);
+    return report::settle_direct(x, in_range, tan_or_cot<cotangent>,
+                                 report::fail(Error::tan_cot_refused_r4, _NaN_F, 1.0f));
 }
 template <bool cotangent>
 [[gnu::cold, gnu::noinline]] float pole(float x) {
-    return report::settle<report::Form::direct>(
-        [](float x) -> report::Step<float, float> {
-            if (x != 0.0f) return tan_or_cot<cotangent>(x);
-            return report::fail(Error::tan_cot_pole_r4, _Inf_F, kHuge_F);
-        },
-        x);
+    return report::settle_direct(x, [](float x) { return x != 0.0f; }, tan_or_cot<cotangent>,
+                                 report::fail(Error::tan_cot_pole_r4, _Inf_F, kHuge_F));
 }
 
 template <bool cosine>

@@ -155,23 +155,15 @@ double tan_or_cot(double x);
 // Refused argument: report 213; a retry starts again from the top.
 template <bool cotangent>
 [[gnu::cold, gnu::noinline]] double refuse(double x) {
-    return report::settle<report::Form::direct>(
-        [](double x) -> report::Step<double, double> {
-            if (trig::magnitude(x) < xmax) return tan_or_cot<cotangent>(x);  // corrected
-            return report::fail(Error::tan_cot_refused_r8, _NaN_D, 1.0);
-        },
-        x);
+    return report::settle_direct(x, [](double x) { return trig::magnitude(x) < xmax; }, tan_or_cot<cotangent>,
+                                 report::fail(Error::tan_cot_refused_r8, _NaN_D, 1.0));
 }
 
 // cot(+-0): the quotient by zero, report 214.
 template <bool cotangent>
 [[gnu::cold, gnu::noinline]] double pole(double x) {
-    return report::settle<report::Form::direct>(
-        [](double x) -> report::Step<double, double> {
-            if (x != 0.0) return tan_or_cot<cotangent>(x);  // corrected
-            return report::fail(Error::tan_cot_pole_r8, _Inf_D, kHuge_D);
-        },
-        x);
+    return report::settle_direct(x, [](double x) { return x != 0.0; }, tan_or_cot<cotangent>,
+                                 report::fail(Error::tan_cot_pole_r8, _Inf_D, kHuge_D));
 }
 
 template <bool cotangent>

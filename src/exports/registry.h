@@ -38,12 +38,13 @@ struct Row {
     std::string_view args;
     std::string_view family;
     std::string_view errors;
-    Thunk thunk;  // null: not implemented yet
+    std::string_view oracle;  // what its results are checked against
+    Thunk thunk;              // null: not implemented yet
 };
 
 inline constexpr Row kRows[] = {
-#define MIVOR_EXPORT_ROW(name, result, args, family, errors, thunk) \
-    Row{name, result, args, family, errors, thunk},
+#define MIVOR_EXPORT_ROW(name, result, args, family, errors, oracle, thunk) \
+    Row{name, result, args, family, errors, oracle, thunk},
 #include "exports/registry.inc"
 #undef MIVOR_EXPORT_ROW
 };

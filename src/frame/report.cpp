@@ -49,15 +49,18 @@ void publish_descriptors(const Record& record) {
     }
 }
 
+Verdict fallback_only() { return Verdict{false, jwe_lca.ieee_results == 1}; }
+
 // Calls the handler and reads its answer.  A missing handler counts as a
-// declined retry: a report must never crash the program.
+// declined retry: a report must never crash the program, and the retry
+// word, which only a handler writes, may still hold an earlier answer.
 Verdict call_handler() {
     jwe_control_area& area = jwe_lca;
-    if (jwe_handler_fn handler = area.handler) handler(&area.error_number);
+    jwe_handler_fn handler = area.handler;
+    if (!handler) return fallback_only();
+    handler(&area.error_number);
     return Verdict{area.retry_word != 0, area.ieee_results == 1};
 }
-
-Verdict fallback_only() { return Verdict{false, jwe_lca.ieee_results == 1}; }
 
 }  // namespace
 

@@ -218,4 +218,17 @@ inline auto settle(Pass pass, Ops... operands) -> typename decltype(pass(operand
     }
 }
 
+// The common direct-form site of one operand: the pass computes when the
+// operand is `accepted` and fails otherwise.  For the refusals that the
+// hot path has already found, where a retry must go back to the top.
+template <class T, class Accepted, class Compute, class R>
+inline R settle_direct(T x, Accepted accepted, Compute compute, Failure<R> failure) {
+    return settle<Form::direct>(
+        [&](T x) -> Step<R, T> {
+            if (accepted(x)) return compute(x);
+            return failure;
+        },
+        x);
+}
+
 }  // namespace mivor::report

@@ -12,11 +12,8 @@
 //    losing fewer bits to underflow before the final division.
 // REAL(4) runs the same steps on the x87 stack in extended precision and
 // rounds once on return.
-#include "frame/report.h"
-#include "power/zero_base.h"
-#include "frame/special_values.h"
-#include "frame/x87.h"
 #include "mivor/mivor.h"
+#include "power/zero_base.h"
 
 namespace mivor::power {
 namespace {
@@ -56,25 +53,9 @@ T power_by_int4(T x, std::int32_t n) {
 using namespace mivor;
 
 extern "C" double g_adxi(const double* base, const std::int32_t* exponent) {
-    const double x = *base;
-    const std::int32_t n = *exponent;
-    auto raise_to = [](double x, std::int32_t n) { return power::power_by_int4(x, n); };
-    if (x == 0.0) [[unlikely]]
-        return power::zero_base(x, n, Error::zero_to_negative_r8_i4, _Inf_D, kHuge_D, raise_to);
-    return raise_to(x, n);
+    return power::integer_power(*base, *exponent, Error::zero_to_negative_r8_i4, power::power_by_int4<double>);
 }
 
 extern "C" float g_arxi(const float* base, const std::int32_t* exponent) {
-    const float x = *base;
-    const std::int32_t n = *exponent;
-    // The base widened on the x87 stack, the result rounded to REAL(4)
-    // only on return.
-    auto raise_to = [](float x, std::int32_t n) {
-        x87::ExtendedPrecision scope;
-        const long double result = power::power_by_int4(scope.pin(x), n);
-        return static_cast<float>(scope.pin(result));
-    };
-    if (x == 0.0f) [[unlikely]]
-        return power::zero_base(x, n, Error::zero_to_negative_r4_i4, _Inf_F, kHuge_F, raise_to);
-    return raise_to(x, n);
+    return power::integer_power(*base, *exponent, Error::zero_to_negative_r4_i4, power::in_extended<std::int32_t, power::power_by_int4<long double>>);
 }

@@ -11,11 +11,8 @@
 //    itself and its high word 0x80000000 is then worked as unsigned;
 //  * a nonzero high word takes exactly 32 iterations over the low word
 //    (squaring after each), then the high word's own loop.
-#include "frame/report.h"
-#include "power/zero_base.h"
-#include "frame/special_values.h"
-#include "frame/x87.h"
 #include "mivor/mivor.h"
+#include "power/zero_base.h"
 
 namespace mivor::power {
 namespace {
@@ -64,25 +61,9 @@ T power_by_int8(T x, std::int64_t n) {
 using namespace mivor;
 
 extern "C" double g_adxj(const double* base, const std::int64_t* exponent) {
-    const double x = *base;
-    const std::int64_t n = *exponent;
-    auto raise_to = [](double x, std::int64_t n) { return power::power_by_int8(x, n); };
-    if (x == 0.0) [[unlikely]]
-        return power::zero_base(x, n, Error::zero_to_negative_r8_i8, _Inf_D, kHuge_D, raise_to);
-    return raise_to(x, n);
+    return power::integer_power(*base, *exponent, Error::zero_to_negative_r8_i8, power::power_by_int8<double>);
 }
 
 extern "C" float g_arxj(const float* base, const std::int64_t* exponent) {
-    const float x = *base;
-    const std::int64_t n = *exponent;
-    // The base widened on the x87 stack, the result rounded to REAL(4)
-    // only on return.
-    auto raise_to = [](float x, std::int64_t n) {
-        x87::ExtendedPrecision scope;
-        const long double result = power::power_by_int8(scope.pin(x), n);
-        return static_cast<float>(scope.pin(result));
-    };
-    if (x == 0.0f) [[unlikely]]
-        return power::zero_base(x, n, Error::zero_to_negative_r4_i8, _Inf_F, kHuge_F, raise_to);
-    return raise_to(x, n);
+    return power::integer_power(*base, *exponent, Error::zero_to_negative_r4_i8, power::in_extended<std::int64_t, power::power_by_int8<long double>>);
 }

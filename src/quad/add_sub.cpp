@@ -29,9 +29,9 @@
 // Fallbacks when the handler does not correct the operands: +0 for 1398;
 // for 1397 the infinity with x's sign (also in g_aqsq) when IEEE results
 // are asked for, else +HUGE whatever the sign.
-#include "frame/report.h"
-#include "frame/special_values.h"
 #include "mivor/mivor.h"
+#include "quad/fallbacks.h"
+#include "quad/operators.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -216,17 +216,19 @@ inline Status add_nonzero(Halves x, Halves y, std::uint64_t flip, Halves* out) {
                 out[0] = out[1] = out[2] = out[3] = 0;
                 return true;
             }
-        // Leading one from bit 32 k + 31 - clz to bit 16 of g[9].
+        // Leading one from bit 32 k + 31 - clz to bit 16 of g[9]: shift is
+        // 2 to 144 (r4 < 2^15, k >= 5), so the five result words start at
+        // g[5 - shift / 32], at g[1] or above.
         const unsigned shift = 304 - (32 * static_cast<unsigned>(k) + 31 - static_cast<unsigned>(__builtin_clz(g[k])));
         const std::int32_t e_low = e - static_cast<std::int32_t>(shift);
         if (e_low <= 0) return false;
-        const std::uint32_t* h = g - (shift >> 5);
+        const std::uint32_t* h = g + (5 - (shift >> 5));
         const unsigned up_bits = shift & 31;
         auto up = [up_bits](std::uint32_t lo, std::uint32_t hi) { return (hi << up_bits) | ((lo >> 1) >> (31 - up_bits)); };
-        out[0] = up(h[5], h[6]);
-        out[1] = up(h[6], h[7]);
-        out[2] = up(h[7], h[8]);
-        out[3] = sign | (static_cast<std::uint32_t>(e_low) << 16) | (up(h[8], h[9]) & 0xFFFF);
+        out[0] = up(h[0], h[1]);
+        out[1] = up(h[1], h[2]);
+        out[2] = up(h[2], h[3]);
+        out[3] = sign | (static_cast<std::uint32_t>(e_low) << 16) | (up(h[3], h[4]) & 0xFFFF);
         return true;
     }
     // Leading one to bit 16 of the top word: the five words doubled, then
@@ -304,12 +306,8 @@ inline Status attempt(Halves x, Halves y, std::uint64_t flip, Halves* out) {
             Halves r;
             switch (attempt(detail::load(&x), detail::load(&y), flip, &r)) {
                 case Status::ok: return r;
-                case Status::underflow:
-                    return report::fail(Error::quad_underflow, Halves{0, 0}).described(report::Describe::none);
-                default:
-                    return report::fail(Error::quad_overflow, detail::load(sign(x) ? &_MInf_Q : &_Inf_Q),
-                                        detail::load(&kHuge_Q))
-                        .described(report::Describe::none);
+                case Status::underflow: return underflowed(Error::quad_underflow).described(report::Describe::none);
+                default: return overflowed(Error::quad_overflow, sign(x)).described(report::Describe::none);
             }
         },
         detail::to_real16(hx), detail::to_real16(hy));
@@ -325,6 +323,7 @@ inline Real16* add_or_subtract_halves(Real16* result, const Real16* a, const Rea
     detail::store(result, r);
     return result;
 }
+
 
 #if !defined(__x86_64__)
 template <std::uint64_t Flip>
@@ -361,6 +360,20 @@ inline Real16* add_or_subtract(Real16* result, const Real16* a, const Real16* b)
 }
 
 }  // namespace
+
+#if defined(__x86_64__)
+Halves add(Halves x, Halves y) {
+    Halves r;
+    if (attempt(x, y, 0, &r) != Status::ok) [[unlikely]] r = recover(x, y, 0);
+    return r;
+}
+Halves subtract(Halves x, Halves y) {
+    Halves r;
+    if (attempt(x, y, detail::kSign64, &r) != Status::ok) [[unlikely]] r = recover(x, y, detail::kSign64);
+    return r;
+}
+#endif
+
 }  // namespace mivor::quad
 
 extern "C" mivor_real16* g_aqaq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {

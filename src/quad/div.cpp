@@ -48,9 +48,9 @@
 #include <emmintrin.h>  // SSE2 is the baseline of every 32-bit flavour
 #endif
 
-#include "frame/report.h"
-#include "frame/special_values.h"
 #include "mivor/mivor.h"
+#include "quad/fallbacks.h"
+#include "quad/operators.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -223,18 +223,23 @@ inline __m128d planted(std::uint32_t w2, std::uint32_t w3) {
     return _mm_or_pd(bits_as_double(w2, w3), _mm_set_sd(0x1p52));
 }
 
-// The digit estimate described above; `offset` = 2^52 c + 1/2 + 2^-13.
-// Below 1/2 + 2^-13 the estimate is clamped to 0 (the digit is 0 then).
-inline std::uint32_t digit_estimate(__m128d y, __m128d c, __m128d offset) {
+// The digit estimate described above, as the double 2^52 + 2^51 + digit:
+// its low word is the digit; `offset` = 2^52 c + 1/2 + 2^-13.  Below
+// 1/2 + 2^-13 the estimate is clamped to 0 (the digit is 0 then).
+inline __m128i digit_estimate(__m128d y, __m128d c, __m128d offset) {
     __m128d v = _mm_sub_sd(_mm_mul_sd(y, c), offset);
     v = _mm_max_sd(v, _mm_set_sd(-0.5));
-    v = _mm_add_sd(v, _mm_set_sd(0x1.8p52));
-    std::uint32_t q;
-    // Straight into a register: a spill of the digit here would put a
-    // store-to-load round trip on the path of every digit.
-    __asm__("movd %1, %0" : "=r"(q) : "x"(v));
-    return q;
+    return _mm_castpd_si128(_mm_add_sd(v, _mm_set_sd(0x1.8p52)));
 }
+
+// The divisor's words as the SSE2 word products want them: b1 and b2 in
+// lanes 0 and 2 (one PMULUDQ forms q b1 and q b2), b3 in lane 0.
+struct DivisorLanes {
+    __m128i b12, b3;
+    explicit DivisorLanes(const Words& b)
+        : b12(_mm_set_epi32(0, static_cast<int>(b.w2), 0, static_cast<int>(b.w1))),
+          b3(_mm_cvtsi32_si128(static_cast<int>(b.w3))) {}
+};
 
 // One step of the long division: R <- R 2^32 - q b for the estimate q of
 // the digit; returns the true digit, and in *y the double 2^52 + Y from
@@ -252,57 +257,48 @@ inline std::uint32_t digit_estimate(__m128d y, __m128d c, __m128d offset) {
 // at most 2 * 2^36 / B <= 2^-15 on the next estimate, inside the bias of
 // 2^-13 (see above).  When the rare correction runs, Y is taken exactly.
 //
+// Y is formed in the SSE unit, where the estimate and the digit already
+// are: word products by PMULUDQ and 64-bit sums, so that the path from one
+// digit to the next never crosses to the integer registers and back.  The
+// exact pass runs beside it in the integer unit.
+//
 // The remainder lives in a window of words that slides down one word per
 // digit: R = w[0..3] (least significant first) becomes R' = w[-1..2], so
 // the words are updated in place and never copied (copies of neighbouring
 // 32-bit words get merged into 64-bit moves, whose loads then stall on
 // store forwarding).
-inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t q, __m128d* y) {
-    // One pass, written out: the compiler's 64-bit register-pair code for
-    // these sums spills most of the partial results, and any spill of Y
-    // would put a store-to-load round trip on the path to the next digit,
-    // so Y goes to an SSE register here.  Y comes first (its products are
-    // formed again in the exact pass, which costs less than keeping them in
-    // the few registers there are); the exact pass multiplies and subtracts
-    // word by word, the carry word (in Y's register, free by then) absorbing
-    // each borrow.
-    std::uint32_t y_lo, y_hi;
-    __m128d y_double, scratch;
+inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, const DivisorLanes& lanes, __m128i estimate,
+                                __m128d* y) {
+    const __m128i qq = _mm_shuffle_epi32(estimate, 0);
+    const __m128i p12 = _mm_mul_epu32(qq, lanes.b12);  // q b1, q b2
+    const __m128i p3 = _mm_mul_epu32(qq, lanes.b3);    // q b3
+    const __m128i top = _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(w[1])),
+                                           _mm_cvtsi32_si128(static_cast<int>(w[2])));
+    const __m128i subtrahend = _mm_add_epi64(_mm_add_epi64(_mm_unpackhi_epi64(p12, p12), _mm_slli_epi64(p3, 32)),
+                                             _mm_srli_epi64(p12, 32));
+    *y = _mm_or_pd(_mm_castsi128_pd(_mm_sub_epi64(top, subtrahend)), _mm_set_sd(0x1p52));
+    // The exact pass multiplies and subtracts word by word, the carry word
+    // absorbing each borrow (written out: the compiler's register-pair code
+    // for these sums spills most partial results).
+    std::uint32_t q = static_cast<std::uint32_t>(_mm_cvtsi128_si32(estimate));
+    std::uint32_t carry;
     __asm__(
-        "movl %[q], %%eax\n\t"
-        "mull %[b2]\n\t"
-        "movl %[n2], %[ylo]\n\t"
-        "movl %[n3], %[yhi]\n\t"
-        "subl %%eax, %[ylo]\n\t"
-        "sbbl %%edx, %[yhi]\n\t"
-        "movl %[q], %%eax\n\t"
-        "imull %[b3], %%eax\n\t"
-        "subl %%eax, %[yhi]\n\t"
-        "movl %[q], %%eax\n\t"
-        "mull %[b1]\n\t"
-        "subl %%edx, %[ylo]\n\t"
-        "sbbl $0, %[yhi]\n\t"
-        "movd %[ylo], %[y]\n\t"
-        "movd %[yhi], %[t]\n\t"
-        "punpckldq %[t], %[y]\n\t"
-        "orpd %[two52], %[y]\n\t"
-        // exact pass
         "movl %[q], %%eax\n\t"
         "mull %[b0]\n\t"
         "negl %%eax\n\t"
         "movl %%eax, %[n0]\n\t"
         "adcl $0, %%edx\n\t"
-        "movl %%edx, %[ylo]\n\t"
+        "movl %%edx, %[carry]\n\t"
         "movl %[q], %%eax\n\t"
         "mull %[b1]\n\t"
-        "addl %[ylo], %%eax\n\t"
+        "addl %[carry], %%eax\n\t"
         "adcl $0, %%edx\n\t"
         "subl %%eax, %[n1]\n\t"
         "adcl $0, %%edx\n\t"
-        "movl %%edx, %[ylo]\n\t"
+        "movl %%edx, %[carry]\n\t"
         "movl %[q], %%eax\n\t"
         "mull %[b2]\n\t"
-        "addl %[ylo], %%eax\n\t"
+        "addl %[carry], %%eax\n\t"
         "adcl $0, %%edx\n\t"
         "subl %%eax, %[n2]\n\t"
         "adcl $0, %%edx\n\t"
@@ -310,11 +306,9 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
         "imull %[b3], %%eax\n\t"
         "addl %%edx, %%eax\n\t"
         "subl %%eax, %[n3]"
-        : [n0] "=m"(w[-1]), [n1] "+m"(w[0]), [n2] "+m"(w[1]), [n3] "+m"(w[2]), [ylo] "=&r"(y_lo), [yhi] "=&r"(y_hi),
-          [y] "=&x"(y_double), [t] "=&x"(scratch)
-        : [q] "rm"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3), [two52] "x"(_mm_set_sd(0x1p52))
+        : [n0] "=m"(w[-1]), [n1] "+m"(w[0]), [n2] "+m"(w[1]), [n3] "+m"(w[2]), [carry] "=&r"(carry)
+        : [q] "r"(q), [b0] "m"(b.w0), [b1] "m"(b.w1), [b2] "m"(b.w2), [b3] "m"(b.w3)
         : "eax", "edx", "cc");
-    *y = y_double;
     if (w[2] >= b.w3) [[unlikely]] {  // about one digit in 2^13
         const std::uint64_t bh = (std::uint64_t{b.w3} << 32) | b.w2, bl = (std::uint64_t{b.w1} << 32) | b.w0;
         std::uint64_t hi = (std::uint64_t{w[2]} << 32) | w[1], lo = (std::uint64_t{w[0]} << 32) | w[-1];
@@ -417,10 +411,11 @@ inline std::uint32_t next_digit(std::uint32_t* w, const Words& b, std::uint32_t 
     w[4] = r.w1;
     w[5] = r.w2;
     w[6] = r.w3;
+    const DivisorLanes lanes(b);
     __m128d top = planted(r.w2, r.w3);
-    const std::uint32_t q1 = next_digit(w + 3, b, digit_estimate(top, c, offset), &top);
-    const std::uint32_t q2 = next_digit(w + 2, b, digit_estimate(top, c, offset), &top);
-    const std::uint32_t q3 = next_digit(w + 1, b, digit_estimate(top, c, offset), &top);
+    const std::uint32_t q1 = next_digit(w + 3, b, lanes, digit_estimate(top, c, offset), &top);
+    const std::uint32_t q2 = next_digit(w + 2, b, lanes, digit_estimate(top, c, offset), &top);
+    const std::uint32_t q3 = next_digit(w + 1, b, lanes, digit_estimate(top, c, offset), &top);
     // Both floors at once: of w - 2^-28 in lane 0 and of w + 2^-28 in lane 1.
     const __m128d est = _mm_sub_sd(_mm_mul_sd(top, c17), offset17);
     const __m128i rounded = _mm_castpd_si128(_mm_add_pd(
@@ -470,37 +465,37 @@ inline Outcome attempt(Halves x, Halves y, Halves* out) {
             Halves r;
             switch (attempt(detail::load(&x), detail::load(&y), &r)) {
                 case Outcome::ok: return r;
-                case Outcome::underflow: return report::fail(Error::quad_quotient_underflow, Halves{0, 0});
-                case Outcome::overflow: {
-                    const bool negative = ((x.w[3] ^ y.w[3]) & kSignBit) != 0;
-                    return report::fail(Error::quad_quotient_overflow,
-                                        detail::load(negative ? &_MInf_Q : &_Inf_Q), detail::load(&kHuge_Q));
-                }
+                case Outcome::underflow: return underflowed(Error::quad_quotient_underflow);
+                case Outcome::overflow:
+                    return overflowed(Error::quad_quotient_overflow, ((x.w[3] ^ y.w[3]) & kSignBit) != 0);
                 default:
                     // x / 0: the infinity takes the sign of x alone, on
                     // purpose; 0 / 0 is the NaN or +0.
                     if (detail::top_is_zero(detail::load(&x)))
                         return report::fail(Error::quad_division_by_zero, detail::load(&_NaN_Q), Halves{0, 0})
                             .described(report::Describe::none);
-                    return report::fail(Error::quad_division_by_zero, detail::load(sign(x) ? &_MInf_Q : &_Inf_Q),
-                                        detail::load(&kHuge_Q))
-                        .described(report::Describe::none);
+                    return overflowed(Error::quad_division_by_zero, sign(x)).described(report::Describe::none);
             }
         },
         detail::to_real16(hx), detail::to_real16(hy));
 }
 
 }  // namespace
+
+#if defined(__x86_64__)
+Halves divide(Halves x, Halves y) {
+    Halves r;
+    if (attempt(x, y, &r) != Outcome::ok) [[unlikely]] r = recover(x, y);
+    return r;
+}
+#endif
+
 }  // namespace mivor::quad
 
 extern "C" mivor_real16* g_aqdq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
     using namespace mivor::quad;
 #if defined(__x86_64__)
-    const Halves x = detail::load(a), y = detail::load(b);
-    Halves r;
-    const Outcome o = attempt(x, y, &r);
-    if (o != Outcome::ok) [[unlikely]] r = recover(x, y);
-    detail::store(result, r);
+    detail::store(result, divide(detail::load(a), detail::load(b)));
 #else
     // The first attempt on words, read straight from the operands and
     // written straight to the result (a word at a time: a wider load of

@@ -21,9 +21,9 @@
 // Fallbacks when the handler does not correct the operands: +0 for 1398;
 // for 1397 the infinity with the sign of x * y when IEEE results are asked
 // for, else +HUGE whatever the sign.
-#include "frame/report.h"
-#include "frame/special_values.h"
 #include "mivor/mivor.h"
+#include "quad/fallbacks.h"
+#include "quad/operators.h"
 #include "quad/primitives.h"
 
 namespace mivor::quad {
@@ -255,30 +255,31 @@ inline Status attempt(Halves x, Halves y, Halves* out) {
             Halves r;
             switch (attempt(detail::load(&x), detail::load(&y), &r)) {
                 case Status::ok: return r;
-                case Status::underflow:
-                    return report::fail(Error::quad_underflow, Halves{0, 0}).described(report::Describe::none);
-                default: {
-                    const bool negative = ((x.w[3] ^ y.w[3]) & kSignBit) != 0;
-                    return report::fail(Error::quad_overflow, detail::load(negative ? &_MInf_Q : &_Inf_Q),
-                                        detail::load(&kHuge_Q))
+                case Status::underflow: return underflowed(Error::quad_underflow).described(report::Describe::none);
+                default:
+                    return overflowed(Error::quad_overflow, ((x.w[3] ^ y.w[3]) & kSignBit) != 0)
                         .described(report::Describe::none);
-                }
             }
         },
         detail::to_real16(hx), detail::to_real16(hy));
 }
 
 }  // namespace
+
+#if defined(__x86_64__)
+Halves multiply(Halves x, Halves y) {
+    Halves r;
+    if (attempt(x, y, &r) != Status::ok) [[unlikely]] r = recover(x, y);
+    return r;
+}
+#endif
+
 }  // namespace mivor::quad
 
 extern "C" mivor_real16* g_aqmq(mivor_real16* result, const mivor_real16* a, const mivor_real16* b) {
     using namespace mivor::quad;
 #if defined(__x86_64__)
-    const Halves x = detail::load(a), y = detail::load(b);
-    Halves r;
-    const Status s = attempt(x, y, &r);
-    if (s != Status::ok) [[unlikely]] r = recover(x, y);
-    detail::store(result, r);
+    detail::store(result, multiply(detail::load(a), detail::load(b)));
 #else
     // The first attempt on words, read straight from the operands and
     // written straight to the result, which may be either of them: the

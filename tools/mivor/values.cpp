@@ -190,9 +190,16 @@ std::optional<Value> parse_value(std::string_view kind, std::string_view text) {
     kind = value_kind(kind);
     Value v{};
     if (kind == "i4" || kind == "l4") {
-        auto i = parse_integer(text);
-        if (!i) return std::nullopt;
-        v.i4 = static_cast<std::int32_t>(*i);
+        // A 32-bit value: in range as a decimal, at most 8 digits as bits.
+        if (is_hex(text)) {
+            auto b = parse_hex(text, 8);
+            if (!b) return std::nullopt;
+            v.i4 = static_cast<std::int32_t>(static_cast<std::uint32_t>(*b));
+        } else {
+            auto i = parse_integer(text);
+            if (!i || *i < INT32_MIN || *i > INT32_MAX) return std::nullopt;
+            v.i4 = static_cast<std::int32_t>(*i);
+        }
     } else if (kind == "i8") {
         auto i = parse_integer(text);
         if (!i) return std::nullopt;
@@ -205,6 +212,11 @@ std::optional<Value> parse_value(std::string_view kind, std::string_view text) {
         auto d = parse_real8(text);
         if (!d) return std::nullopt;
         v.r8 = *d;
+    } else if (kind == "r8x") {
+        // A REAL(8) value, widened exactly (NaN payloads included).
+        auto d = parse_real8(text);
+        if (!d) return std::nullopt;
+        v.r8x = static_cast<long double>(*d);
     } else if (kind == "r16") {
         auto q = parse_real16(text);
         if (!q) return std::nullopt;

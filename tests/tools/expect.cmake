@@ -1,0 +1,20 @@
+# Runs a program and checks its exit status and its output (stdout and
+# stderr together):
+#   cmake -DSTATUS=N -DMATCH=REGEX [-DEMULATOR=...] -P expect.cmake -- PROGRAM ARGS...
+set(command ${EMULATOR})
+set(seen_separator FALSE)
+math(EXPR last "${CMAKE_ARGC} - 1")
+foreach(i RANGE 1 ${last})
+  if(seen_separator)
+    list(APPEND command "${CMAKE_ARGV${i}}")
+  elseif(CMAKE_ARGV${i} STREQUAL "--")
+    set(seen_separator TRUE)
+  endif()
+endforeach()
+execute_process(COMMAND ${command} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE out TIMEOUT 60)
+if(NOT status STREQUAL "${STATUS}")
+  message(FATAL_ERROR "exit status ${status}, not ${STATUS}:\n${out}")
+endif()
+if(NOT out MATCHES "${MATCH}")
+  message(FATAL_ERROR "output does not match '${MATCH}':\n${out}")
+endif()

@@ -1,0 +1,371 @@
+#include "golden_matmul.h"
+
+#include <cstring>
+#include <string>
+
+#include "mivor/descriptor.h"
+#include "mivor/types.h"
+
+namespace mivor::tool {
+namespace {
+
+struct Gen {
+    std::uint64_t& state;
+    std::uint64_t next() {
+        std::uint64_t z = (state += 0x9E3779B97F4A7C15u);
+        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9u;
+        z = (z ^ (z >> 27)) * 0x94D049BB133111EBu;
+        return z ^ (z >> 31);
+    }
+    std::int32_t below(std::int32_t n) { return static_cast<std::int32_t>(next() % static_cast<std::uint64_t>(n)); }
+    bool one_in(std::int32_t n) { return below(n) == 0; }
+    template <std::size_t N>
+    std::int32_t pick(const std::int32_t (&values)[N]) {
+        return values[below(static_cast<std::int32_t>(N))];
+    }
+};
+
+// Bump allocation in one part of the arena, zero-filled, 16-byte aligned.
+struct Region {
+    unsigned char* base;
+    std::size_t size;
+    std::size_t used = 0;
+    bool full = false;
+    template <class T>
+    T* take(std::size_t count) {
+        used = (used + 15) & ~std::size_t{15};
+        const std::size_t bytes = (count == 0 ? 1 : count) * sizeof(T);
+        if (used + bytes > size) {
+            full = true;
+            used = 0;  // reuse from the start; the case is abandoned
+        }
+        T* p = reinterpret_cast<T*>(base + used);
+        std::memset(static_cast<void*>(p), 0, bytes);
+        used += bytes;
+        return p;
+    }
+};
+
+// ---- element values ---------------------------------------------------------
+
+// Mostly moderate numbers with full significands; now and then a zero of
+// either sign, an infinity, a subnormal, a huge value, or the NaN that the
+// arithmetic itself produces (negative, quiet), so that every NaN of a
+// computation has the same bits whichever operand an addition keeps.
+std::uint64_t double_bits(Gen& g) {
+    if (g.one_in(24)) {
+        static constexpr std::uint64_t specials[] = {0,
+                                                     0x8000000000000000u,
+                                                     0x7FF0000000000000u,
+                                                     0xFFF0000000000000u,
+                                                     0xFFF8000000000000u,
+                                                     0x0000000000000001u,
+                                                     0x000FFFFFFFFFFFFFu,
+                                                     0x7FE0000000000000u,
+                                                     0x3FF0000000000000u};
+        return specials[g.below(std::size(specials))];
+    }
+    const std::uint64_t exp = 1023 - 12 + static_cast<std::uint64_t>(g.below(24));
+    return (exp << 52) | (g.next() >> 12) | ((g.next() & 1) << 63);
+}
+
+std::uint32_t float_bits(Gen& g) {
+    if (g.one_in(24)) {
+        static constexpr std::uint32_t specials[] = {0,           0x80000000u, 0x7F800000u, 0xFF800000u,
+                                                     0xFFC00000u, 0x00000001u, 0x7F000000u, 0x3F800000u};
+        return specials[g.below(std::size(specials))];
+    }
+    const std::uint32_t exp = 127 - 12 + static_cast<std::uint32_t>(g.below(24));
+    return (exp << 23) | (static_cast<std::uint32_t>(g.next()) >> 9) | (static_cast<std::uint32_t>(g.next() & 1) << 31);
+}
+
+mivor_real16 quad_value(Gen& g) {
+    mivor_real16 q;
+    for (auto& w : q.w) w = static_cast<std::uint32_t>(g.next());
+    if (g.one_in(24)) {
+        static constexpr std::uint32_t tops[] = {0, 0x80000000u, 0x7FFF0000u, 0xFFFF0000u, 0x7FFEFFFFu, 0x3FFF0000u};
+        q.w[3] = tops[g.below(std::size(tops))];
+        if (q.w[3] != 0x7FFEFFFFu) q.w[0] = q.w[1] = q.w[2] = 0;
+    } else {
+        q.w[3] = (q.w[3] & 0x8000FFFFu) | ((16383u - 12 + static_cast<std::uint32_t>(g.below(24))) << 16);
+    }
+    return q;
+}
+
+void fill(Gen& g, float* p, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) {
+        const std::uint32_t b = float_bits(g);
+        std::memcpy(p + i, &b, 4);
+    }
+}
+void fill(Gen& g, double* p, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) {
+        const std::uint64_t b = double_bits(g);
+        std::memcpy(p + i, &b, 8);
+    }
+}
+void fill(Gen& g, mivor_complex4* p, std::size_t n) { fill(g, reinterpret_cast<float*>(p), 2 * n); }
+void fill(Gen& g, mivor_complex8* p, std::size_t n) { fill(g, reinterpret_cast<double*>(p), 2 * n); }
+void fill(Gen& g, mivor_real16* p, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) p[i] = quad_value(g);
+}
+void fill(Gen& g, mivor_complex16* p, std::size_t n) { fill(g, reinterpret_cast<mivor_real16*>(p), 2 * n); }
+
+// ---- descriptors ------------------------------------------------------------
+
+struct Cells {
+    std::int32_t stride1, extent1, stride2, extent2;
+};
+
+mivor_descriptor* descriptor(Region& pointers, Region& data, void* base, int rank, const Cells& values) {
+    auto* cells = data.take<Cells>(1);
+    *cells = values;
+    auto* d = pointers.take<mivor_descriptor>(1);
+    d->base = base;
+    d->rank = static_cast<std::int8_t>(rank);
+    d->stride1 = &cells->stride1;
+    d->extent1 = &cells->extent1;
+    d->stride2 = &cells->stride2;
+    d->extent2 = &cells->extent2;
+    return d;
+}
+
+// A strided operand: elements `gap1` and `gap2` apart (any sign), byte
+// strides carrying a remainder `slack` that the export must drop.
+template <class T>
+mivor_descriptor* operand(Gen& g, Region& pointers, Region& data, int rank, std::int32_t e1, std::int32_t e2) {
+    const std::int32_t gap1 = (1 + g.below(3)) * (g.one_in(4) ? -1 : 1);
+    std::int32_t gap2 = 0;
+    if (rank == 2)
+        gap2 =
+            g.one_in(3) ? (1 + g.below(2)) * (g.one_in(3) ? -1 : 1) * (e1 > 0 ? e1 : 1) * 3 : gap1 * (e1 + g.below(3));
+    if (rank == 2 && gap2 == 0) gap2 = 1;
+    const std::int64_t span1 = std::int64_t{e1 > 0 ? e1 - 1 : 0} * gap1;
+    const std::int64_t span2 = std::int64_t{e2 > 0 ? e2 - 1 : 0} * gap2;
+    const std::int64_t low = (span1 < 0 ? span1 : 0) + (span2 < 0 ? span2 : 0);
+    const std::int64_t high = (span1 > 0 ? span1 : 0) + (span2 > 0 ? span2 : 0);
+    const std::size_t count = static_cast<std::size_t>(high - low + 1);
+    T* storage = data.take<T>(count);
+    fill(g, storage, count);
+    T* base = storage - low;
+    const std::int32_t size = sizeof(T), slack = g.below(size);
+    auto bytes = [&](std::int32_t gap) { return gap * size + (gap < 0 ? -slack : slack); };
+    return descriptor(pointers, data, base, rank, {bytes(gap1), e1, rank == 2 ? bytes(gap2) : 0, rank == 2 ? e2 : 0});
+}
+
+// ---- MATMUL -----------------------------------------------------------------
+
+template <class T>
+void* matmul_case(Gen& g, Region& pointers, Region& data, bool quad) {
+    const std::int32_t sizes[] = {0, 1, 2, 3, 5, 7, 8, 9, 12, 16, 17};
+    const std::int32_t small[] = {0, 1, 2, 3, 4, 5, 7};
+    auto size = [&] { return quad ? g.pick(small) : g.pick(sizes); };
+    const int shape = g.below(3);  // 0 matrix x matrix, 1 matrix x vector, 2 vector x matrix
+    const std::int32_t m = size(), k = size(), n = size();
+    const int rank_a = shape == 2 ? 1 : 2, rank_b = shape == 1 ? 1 : 2;
+    mivor_descriptor* a = rank_a == 2 ? operand<T>(g, pointers, data, 2, m, k) : operand<T>(g, pointers, data, 1, k, 0);
+    mivor_descriptor* b = rank_b == 2 ? operand<T>(g, pointers, data, 2, k, n) : operand<T>(g, pointers, data, 1, k, 0);
+    // The result and one element beyond, preset, so a stray write shows.
+    const std::size_t count = shape == 0 ? std::size_t(m) * n : shape == 1 ? m : n;
+    T* r = data.take<T>(count + 1);
+    std::memset(static_cast<void*>(r), 0xA5, (count + 1) * sizeof(T));
+    int rank_r = shape == 0 ? 2 : 1;
+    switch (g.below(12)) {
+        case 0:  // a negative extent counts as 0 (sizes only shrink: the storage holds them)
+            *(g.one_in(2) ? a : b)->extent1 = -1 - g.below(3);
+            break;
+        case 1:  // non-conforming, with a huge extent: 1375, and the result's rank byte anything
+            *b->extent1 = 0x7FFFFFFF;
+            rank_r = g.pick({-1, 0, 1, 2, 3, 7});
+            break;
+        case 2:  // a rank of A that is neither 1 nor 2 goes the matrix way, inner extent 0
+            if (shape != 2) a->rank = 3;
+            break;
+        default:
+            break;
+    }
+    mivor_descriptor* result = descriptor(pointers, data, r, rank_r, {0x5A5A5A5A, 0x5A5A5A5A, 0x5A5A5A5A, 0x5A5A5A5A});
+    auto* block = pointers.take<mivor_matmul_args>(1);
+    *block = {result, a, b};
+    return block;
+}
+
+// ---- GEMM and GEMV ----------------------------------------------------------
+
+bool transposes(char t) { return t != 'N' && t != 'n'; }
+
+char letter(Gen& g) {
+    static constexpr char letters[] = {'N', 'N', 'T', 'T', 'n', 't', 'C', 'c'};
+    return g.one_in(40) ? 'X' : letters[g.below(std::size(letters))];
+}
+
+double scalar(Gen& g) {
+    switch (g.below(8)) {
+        case 0:
+            return 0.0;
+        case 1:
+            return 1.0;
+        case 2:
+            return -1.0;
+        case 3: {
+            double v;
+            const std::uint64_t b = g.one_in(2) ? 0xFFF8000000000000u : 0x4000000000000000u;
+            std::memcpy(&v, &b, 8);
+            return v;
+        }
+        default: {
+            double v;
+            const std::uint64_t b = double_bits(g) & 0x3FFFFFFFFFFFFFFFu;  // finite, moderate
+            std::memcpy(&v, &b, 8);
+            return v;
+        }
+    }
+}
+
+// A leading dimension for `rows` rows: enough, or now and then too small.
+std::int32_t leading(Gen& g, std::int32_t rows) {
+    if (g.one_in(16)) return g.one_in(2) ? 0 : rows - 1;
+    return (rows > 0 ? rows : 1) + g.below(3);
+}
+
+void* gemm_case(Gen& g, Region& pointers, Region& data) {
+    const std::int32_t outer[] = {0, 1, 2, 5, 7, 8, 9, 13, 17, 24};
+    const std::int32_t inner[] = {0, 1, 2, 7, 8, 9, 16, 31, 127, 128, 129, 130, 200, 257};
+    const char ta = letter(g), tb = letter(g);
+    const std::int32_t m = g.pick(outer), n = g.pick(outer), k = g.pick(inner);
+    // The descriptors' extents, from which the entry derives m, k, n (only
+    // an upper-case T swaps them).
+    const Cells ca = ta == 'T' ? Cells{8, k, 0, m} : Cells{8, m, 0, k};
+    const Cells cb = tb == 'T' ? Cells{8, n, 0, k} : Cells{8, k, 0, n};
+    // A and B as the GEMM routine reads them.
+    const std::int32_t a_rows = transposes(ta) ? k : m, a_cols = transposes(ta) ? m : k;
+    const std::int32_t b_rows = transposes(tb) ? n : k, b_cols = transposes(tb) ? k : n;
+    auto* lds = data.take<std::int32_t>(4);
+    lds[0] = leading(g, m);       // ldc
+    lds[1] = leading(g, a_rows);  // lda
+    lds[2] = leading(g, b_rows);  // ldb
+    lds[3] = leading(g, m);       // ldd
+    auto room = [](std::int32_t ld, std::int32_t rows, std::int32_t cols) {
+        const std::int32_t l = ld > rows ? ld : rows;
+        return std::size_t(l > 0 ? l : 1) * std::size_t(cols > 0 ? cols : 1);
+    };
+    double* a = data.take<double>(room(lds[1], a_rows, a_cols));
+    double* b = data.take<double>(room(lds[2], b_rows, b_cols));
+    double* c = data.take<double>(room(lds[0], m, n));
+    double* d = data.take<double>(room(lds[3], m, n));
+    fill(g, a, room(lds[1], a_rows, a_cols));
+    fill(g, b, room(lds[2], b_rows, b_cols));
+    fill(g, c, room(lds[0], m, n));
+    fill(g, d, room(lds[3], m, n));
+    auto* scalars = data.take<double>(2);
+    scalars[0] = scalar(g);
+    scalars[1] = scalar(g);
+    auto* letters = data.take<char>(2);
+    letters[0] = ta;
+    letters[1] = tb;
+    mivor_descriptor* da = descriptor(pointers, data, a, 2, ca);
+    mivor_descriptor* db = descriptor(pointers, data, b, 2, cb);
+    mivor_descriptor* dc = descriptor(pointers, data, c, 2, {8, m, 0, n});
+    switch (g.below(12)) {
+        case 0:  // negative extents count as 0
+            *(g.one_in(2) ? da : db)->extent2 = -1 - g.below(3);
+            break;
+        case 1:  // non-conforming, huge: 1375 and nothing else
+            *db->extent1 = 0x7FFFFFFF;
+            *db->extent2 = 0x7FFFFFFF;
+            break;
+        default:
+            break;
+    }
+    auto* d_cell = pointers.take<void*>(1);
+    *d_cell = d;
+    auto* block = pointers.take<mivor_gemm_args>(1);
+    *block = {dc,          da,          db,          g.one_in(3) ? d_cell : nullptr,
+              &letters[0], &letters[1], &scalars[0], &scalars[1],
+              &lds[0],     &lds[1],     &lds[2],     &lds[3]};
+    return block;
+}
+
+void* gemv_case(Gen& g, Region& pointers, Region& data) {
+    const std::int32_t sizes[] = {0, 1, 2, 5, 7, 8, 9, 16, 17, 33, 70};
+    const char t = letter(g);
+    const std::int32_t rows = g.one_in(16) ? 1030 + g.below(20) : g.pick(sizes);
+    const std::int32_t cols = rows > 100 ? 1 + g.below(4) : g.pick(sizes);
+    auto* lda = data.take<std::int32_t>(1);
+    *lda = leading(g, rows);
+    const std::int32_t l = *lda > rows ? *lda : rows;
+    double* a = data.take<double>(std::size_t(l > 0 ? l : 1) * (cols > 0 ? cols : 1));
+    fill(g, a, std::size_t(l > 0 ? l : 1) * (cols > 0 ? cols : 1));
+    // Vectors long enough for either reading of the letter ("t" conforms
+    // like "N" but transposes).
+    const std::int32_t len = rows > cols ? rows : cols;
+    auto vector = [&](std::int32_t extent) {
+        const std::int32_t gap = g.pick({1, 1, 2, -1, -3});
+        const std::int32_t slack = g.below(8);
+        std::int32_t stride = gap * 8 + (gap < 0 ? -slack : slack);
+        if (g.one_in(24)) stride = 4;  // increment 0: ignored silently
+        const std::size_t count = std::size_t(len > 0 ? len : 1) * (gap < 0 ? -gap : gap);
+        double* v = data.take<double>(count);
+        fill(g, v, count);
+        // The base is the lowest address; a negative increment walks from
+        // the far end, as the classic routines do.
+        return descriptor(pointers, data, v, 1, {stride, extent, 0, 0});
+    };
+    const std::int32_t x_len = t == 'T' ? rows : cols;
+    mivor_descriptor* y = vector(t == 'T' ? cols : rows);
+    mivor_descriptor* x = vector(g.one_in(16) ? x_len + 1 : x_len);  // now and then non-conforming
+    mivor_descriptor* z = vector(0);
+    mivor_descriptor* da = descriptor(pointers, data, a, 2, {8, rows, 8 * (l > 0 ? l : 1), cols});
+    if (g.one_in(16)) *da->extent2 = -2;
+    auto* scalars = data.take<double>(2);
+    scalars[0] = scalar(g);
+    scalars[1] = scalar(g);
+    auto* letter_cell = data.take<char>(1);
+    *letter_cell = t;
+    auto* block = pointers.take<mivor_gemv_args>(1);
+    *block = {y, da, x, g.one_in(3) ? z : nullptr, letter_cell, &scalars[0], &scalars[1], lda};
+    return block;
+}
+
+}  // namespace
+
+bool is_matrix_export(std::string_view name) {
+    return name.substr(0, 7) == "g_matml" || name == "jwe_gmd2" || name == "jwe_gmx2" || name == "g_mt21blasd" ||
+           name == "g_mt22blasd";
+}
+
+std::span<const unsigned char> run_matrix_case(const exports::Row& row, std::uint64_t& state, exports::Value* args,
+                                               std::size_t slots, const MatrixArena& arena) {
+    Gen g{state};
+    Region pointers{arena.pointers, arena.pointers_size};
+    Region data{arena.data, arena.data_size};
+    std::memset(arena.data, 0, arena.data_size);
+    const std::string_view name = row.name;
+    void* block = nullptr;
+    if (name == "g_matmlr")
+        block = matmul_case<float>(g, pointers, data, false);
+    else if (name == "g_matmld" || name == "jwe_gmd2")
+        block = matmul_case<double>(g, pointers, data, false);
+    else if (name == "g_matmlq")
+        block = matmul_case<mivor_real16>(g, pointers, data, true);
+    else if (name == "g_matmlc")
+        block = matmul_case<mivor_complex4>(g, pointers, data, false);
+    else if (name == "g_matmlx" || name == "jwe_gmx2")
+        block = matmul_case<mivor_complex8>(g, pointers, data, false);
+    else if (name == "g_matmlz")
+        block = matmul_case<mivor_complex16>(g, pointers, data, true);
+    else if (name == "g_mt22blasd")
+        block = gemm_case(g, pointers, data);
+    else if (name == "g_mt21blasd")
+        block = gemv_case(g, pointers, data);
+    const std::size_t block_size = name == "g_mt22blasd"   ? sizeof(mivor_gemm_args)
+                                   : name == "g_mt21blasd" ? sizeof(mivor_gemv_args)
+                                                           : sizeof(mivor_matmul_args);
+    if (block == nullptr || pointers.full || data.full || slots * sizeof(exports::Value) < block_size) return {};
+    std::memcpy(static_cast<void*>(args), block, block_size);
+    exports::Value result{};
+    row.thunk(args, result);
+    return {arena.data, data.used};
+}
+
+}  // namespace mivor::tool
