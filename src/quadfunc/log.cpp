@@ -44,8 +44,10 @@ LogResult log_kernel(const Wide& x) {
     const U128 Y = upper ? shr(x.m, 1) : x.m;
     const std::int32_t n = upper ? x.e : x.e - 1;
     const LogRow& row = kLogTable[(Y.hi >> 55) - 192];
-    // z + 1 = y c/4096: (z + 1) 2^176 = Y c 2^37, below 2^178; exact.
-    const U192 Z = sub(shl(mul_128x64(Y, row.c), 37), U192{std::uint64_t{1} << 48, 0, 0});
+    // z + 1 = y c/4096: (z + 1) 2^176 = Y c 2^37, below 2^178; exact when
+    // taken from the fraction itself (Y = m/2 drops the last bit of a
+    // 128-bit fraction: y = v gives m c 2^36).
+    const U192 Z = sub(shl(mul_128x64(x.m, row.c), upper ? 36 : 37), U192{std::uint64_t{1} << 48, 0, 0});
     // z in S.134, rounded (|z| <= 2^-8: fits).
     const U128 z134 = add64(U128{(Z.w2 << 22) | (Z.w1 >> 42), (Z.w1 << 22) | (Z.w0 >> 42)}, (Z.w0 >> 41) & 1);
     const U128 q = horner_s127(kLogPoly, 14, z134, 6);
