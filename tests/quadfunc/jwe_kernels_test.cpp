@@ -149,3 +149,28 @@ TEST(QuadKernels, StandInsOutsideTheDomains) {
 }
 
 }  // namespace
+
+TEST(QuadKernels, UseTheBitsBeyondReal16) {
+    // Arguments with all 128 bits of the fraction: ln(1 - 2^-128) is
+    // -2^-128 (1 + 2^-129), which rounds to -2^-128; a kernel that drops
+    // the last bit gives ln(1 - 2^-127), twice as large.
+    const mivor_work below_one{{~0u, ~0u, ~0u, ~0u}, 0, 0};
+    mivor_work r;
+    jwe_gulog(&r, &below_one);
+    EXPECT_EQ(r.sign, 1u);
+    EXPECT_EQ(r.scale, -127);
+    EXPECT_EQ(r.f[3], 0x80000000u);
+    EXPECT_EQ(r.f[0] | r.f[1] | r.f[2], 0u);
+    // ln(1 + 2^-127) = 2^-127 - 2^-255 + ..., just below 2^-127, where a
+    // unit is 2^-255: every fraction bit set.
+    const mivor_work above_one{{1, 0, 0, 0x80000000u}, 1, 0};
+    jwe_gulog(&r, &above_one);
+    EXPECT_EQ(r.sign, 0u);
+    EXPECT_EQ(r.scale, -127);
+    EXPECT_EQ(r.f[3] & r.f[2] & r.f[1] & r.f[0], ~0u);
+    // (1 + 2^-127) - 1 through the sum keeps the last bit.
+    const mivor_work m_one = unp(neg(kOne));
+    jwe_guadd(&r, &above_one, &m_one);
+    EXPECT_EQ(r.scale, -126);
+    EXPECT_EQ(r.f[3], 0x80000000u);
+}

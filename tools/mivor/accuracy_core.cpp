@@ -1,7 +1,9 @@
 // The measuring machinery of `mivor accuracy` (see accuracy_core.h).
 #include "accuracy_core.h"
 
+#include <algorithm>
 #include <cinttypes>
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -733,7 +735,12 @@ void Sampler::domain_sample(int i, mpfr_ptr out) {
         mirrored = d.mirrored;
     }
     const bool use_bits = ((counter_ >> i) & 1) == 0;
-    const long double least = f.integer() ? 1.0L : std::ldexp(1.0L, static_cast<int>(f.min_ulp_exp));
+    // (The least REAL(16) and working values lie below the least long
+    // double: the log-uniform half starts there, not at zero.)
+    const long double least =
+        f.integer() ? 1.0L
+                    : std::max(std::ldexp(1.0L, static_cast<int>(std::max(f.min_ulp_exp, long{INT_MIN / 2}))),
+                               std::numeric_limits<long double>::denorm_min());
     if (use_bits || (!mirrored && hi < least && lo > -least)) {
         bits(f, lo, hi, out);
     } else if (mirrored || lo >= 0) {
