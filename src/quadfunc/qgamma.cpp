@@ -20,6 +20,11 @@
 //             HUGE: +Inf, or HUGE with IEEE results off.  +-Inf give +Inf
 //             without a report.
 //   NaN arguments come back quieted, unreported.
+//
+// Measured against MPFR (`mivor accuracy --count 100000 g_qgamma g_qlgama`):
+// gamma 0.500 ulp; log-gamma 0.535 ulp next to 2 (its absolute error
+// there), 2^-119 absolute or less within 2^-10 of its zeros at -2.457,
+// -2.748, -3.144, -3.955.
 #include "frame/report.h"
 #include "mivor/mivor.h"
 #include "quadfunc/gamma.h"

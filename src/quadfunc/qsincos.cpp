@@ -18,6 +18,11 @@
 //                   off, whatever the sign (as g_dcotan's zero divisor)
 // The tangent never overflows: no REAL(16) number comes within 2^-120 of an
 // odd multiple of pi/2.
+//
+// Measured against MPFR (`mivor accuracy --count 100000 g_qsin g_qcos g_qtan
+// g_qcotan`, with the arguments closest to multiples of pi/2 in every
+// binade): at most 0.499991 / 0.500024 / 0.499995 / 0.500067 ulp, 99.99% or
+// more correctly rounded.
 #include "frame/report.h"
 #include "mivor/mivor.h"
 #include "quadfunc/sincos.h"
