@@ -124,7 +124,7 @@ TEST(QuadKernels, UnpackAndRoundEdges) {
 }
 
 TEST(QuadKernels, StandInsOutsideTheDomains) {
-    const mivor_work zero{}, huge_arg{{0, 0, 0, 0x80000000u}, 20, 0}, two = unp(qd(2)), far{{0, 0, 0, 0x80000000u}, 20000, 0};
+    const mivor_work zero{}, huge_arg{{0, 0, 0, 0x80000000u}, 20, 0}, two = unp(qd(2)), distant{{0, 0, 0, 0x80000000u}, 20000, 0};
     mivor_work r;
     jwe_gudiv(&r, &two, &zero);
     EXPECT_EQ(r.f[3], 0u);
@@ -137,7 +137,7 @@ TEST(QuadKernels, StandInsOutsideTheDomains) {
     jwe_gulog(&r, &zero);
     EXPECT_EQ(r.sign, 1u);
     EXPECT_EQ(r.scale, 0x7FFFFFFF);
-    jwe_gusin(&r, &far);
+    jwe_gusin(&r, &distant);
     EXPECT_EQ(r.f[3], 0u);
     jwe_guthn(&r, &huge_arg);
     EXPECT_Q(rnd(r), kOne);
