@@ -39,7 +39,8 @@ import gen_exports  # noqa: E402
 # C types of the argument kinds, and the bytes a stub copies from them.
 POINTED = {"i4": "int32_t", "i8": "int64_t", "l4": "int32_t", "r4": "float", "r8": "double",
            "r16": "mivor_real16", "c4": "mivor_complex4", "c8": "mivor_complex8",
-           "c16": "mivor_complex16", "anyreal": "float", "desc": "uint32_t", "argblk": "uint32_t"}
+           "c16": "mivor_complex16", "wk": "mivor_work", "anyreal": "float", "desc": "uint32_t",
+           "argblk": "uint32_t"}
 
 
 def stub_source(rows):

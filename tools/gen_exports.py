@@ -33,6 +33,7 @@ ARG_TYPES = {
     "i4": "int32_t", "i8": "int64_t", "l4": "int32_t",
     "r4": "float", "r8": "double", "r16": "mivor_real16",
     "c4": "mivor_complex4", "c8": "mivor_complex8", "c16": "mivor_complex16",
+    "wk": "mivor_work",
     "anyreal": "void", "desc": "void", "argblk": "void",
 }
 # Arguments passed by value rather than by address (a few kernels that
@@ -47,12 +48,13 @@ VALUE_RESULTS = {
 # Kinds returned through the explicit first result pointer.
 POINTER_RESULTS = {
     "r16": "mivor_real16", "c4": "mivor_complex4", "c8": "mivor_complex8",
-    "c16": "mivor_complex16",
+    "c16": "mivor_complex16", "wk": "mivor_work",
 }
 # Union member of mivor::exports::Value holding each kind (registry thunks).
 VALUE_MEMBER = {
     "i4": "i4", "i8": "i8", "l4": "i4", "r4": "r4", "r8": "r8", "r8x": "r8x",
     "r16": "r16", "c4": "c4", "c8": "c8", "c16": "c16", "v2r8": "v2r8",
+    "wk": "wk",
 }
 
 

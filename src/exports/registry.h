@@ -23,6 +23,7 @@ union Value {
     mivor_complex4 c4;
     mivor_complex8 c8;
     mivor_complex16 c16;
+    mivor_work wk;
 #if defined(__SSE2__)
     __m128d v2r8;
 #endif

@@ -110,7 +110,7 @@ void sampled(Run& run, const Options& o) {
                 if (sampler.hard(r, p)) judge.measure(p, rr.tally);
                 else ++rr.outside;
             }
-            if (r.bound < 0) run.main.merge(rr.tally);
+            if (!r.apart()) run.main.merge(rr.tally);
             run.ranges.push_back(rr);
         }
     }
@@ -242,7 +242,7 @@ bool report(const Run& run, const Judge& judge, double seconds, const Options& o
     std::uint64_t arguments = run.main.figures[0].count + run.main.figures[0].mismatches;
     if (run.layout.lanes) arguments /= 2;
     for (const RangeResult& rr : run.ranges)
-        if (rr.range->bound >= 0) arguments += rr.tally.figures[0].count + rr.tally.figures[0].mismatches;
+        if (rr.range->apart()) arguments += rr.tally.figures[0].count + rr.tally.figures[0].mismatches;
     std::printf("%.*s (%.*s -> %.*s): %" PRIu64 " arguments (%s), %.1f s\n", static_cast<int>(ref.name.size()),
                 ref.name.data(), static_cast<int>(run.row.args.size()), run.row.args.data(),
                 static_cast<int>(run.row.result.size()), run.row.result.data(), arguments, run.how.c_str(), seconds);
@@ -260,13 +260,20 @@ bool report(const Run& run, const Judge& judge, double seconds, const Options& o
         }
         // The absolute error tells about a reduction next to multiples of a
         // constant (pi/2, ln 2), where results are tiny.
-        const bool near = rr.range->axes[0].spread == Spread::near_multiples && rr.range->axes[0].unit_constant;
+        const bool near = (rr.range->axes[0].spread == Spread::near_multiples && rr.range->axes[0].unit_constant) ||
+                          rr.range->absolute;
         std::printf("max %.4g at %s%s", f.max(),
                     describe(f.max() == f.normal.err ? f.normal.at : f.subnormal.at, run.layout).c_str(),
                     near ? abs_text(f.max_abs).c_str() : "");
         if (rr.range->bound >= 0) {
             const bool within = f.max() <= rr.range->bound && f.mismatches == 0;
             std::printf(" (own bound %g%s)", rr.range->bound, within ? "" : ": EXCEEDED");
+            ok = ok && within;
+        }
+        if (rr.range->absolute) {
+            const bool within =
+                (f.max_abs == 0 || std::log2(f.max_abs) <= rr.range->abs_bound_log2) && f.mismatches == 0;
+            std::printf(" (absolute bound 2^%g%s)", rr.range->abs_bound_log2, within ? "" : ": EXCEEDED");
             ok = ok && within;
         }
         std::printf("\n");

@@ -1,7 +1,9 @@
 // The measuring machinery of `mivor accuracy` (see accuracy_core.h).
 #include "accuracy_core.h"
 
+#include <algorithm>
 #include <cinttypes>
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -32,6 +34,9 @@ constexpr Format kFormats[] = {
     // Integers: "ulp" 1, every value below 2^(p-1) in the first binade.
     {Scalar::int32, "units", 32, 0, 31, 31},
     {Scalar::int64, "units", 64, 0, 63, 63},
+    // The kernels' working format: 128 bits, a 32-bit scale of which the
+    // measurements use a fraction (MPFR's default exponent range).
+    {Scalar::working, "units of 2^-128 of the working format", 128, -(1L << 29), -(1L << 29) + 128, 1L << 29},
 };
 
 // A temporary number for the duration of a scope.
@@ -189,6 +194,43 @@ mivor_real16 real16_from_mpfr(mpfr_srcptr v) {
     return q;
 }
 
+void work_to_mpfr(mpfr_ptr v, const mivor_work& w) {
+    mpz_t m;
+    mpz_init_set_ui(m, w.f[3]);
+    for (int i = 2; i >= 0; --i) {
+        mpz_mul_2exp(m, m, 32);
+        mpz_add_ui(m, m, w.f[i]);
+    }
+    mpfr_set_z_2exp(v, m, static_cast<long>(w.scale) - 128, MPFR_RNDN);
+    if (w.sign & 1) mpfr_neg(v, v, MPFR_RNDN);
+    mpz_clear(m);
+}
+
+mivor_work work_from_mpfr(mpfr_srcptr v) {
+    mivor_work w{};
+    w.sign = mpfr_signbit(v) ? 1u : 0u;
+    if (!mpfr_regular_p(v)) return w;  // zero (a NaN or infinity has no working form)
+    Temp t(130);
+    mpfr_abs(t, v, MPFR_RNDN);
+    const long e = mpfr_get_exp(t);
+    mpfr_mul_2si(t, t, 128 - e, MPFR_RNDN);
+    mpz_t m;
+    mpz_init(m);
+    mpfr_get_z(m, t, MPFR_RNDN);
+    long scale = e;
+    if (mpz_sizeinbase(m, 2) > 128) {  // rounded up to 2^128
+        mpz_fdiv_q_2exp(m, m, 1);
+        ++scale;
+    }
+    w.scale = static_cast<std::int32_t>(scale);
+    for (int i = 0; i < 4; ++i) {
+        w.f[i] = static_cast<std::uint32_t>(mpz_getlimbn(m, 0) & 0xFFFFFFFFu);
+        mpz_fdiv_q_2exp(m, m, 32);
+    }
+    mpz_clear(m);
+    return w;
+}
+
 // ---- layouts ----------------------------------------------------------------
 
 namespace {
@@ -208,6 +250,7 @@ bool add_coordinates(std::string_view kind, int arg, std::vector<Coordinate>& ou
     else if (kind == "c4") two(Scalar::binary32, 4);
     else if (kind == "c8" || kind == "v2r8") two(Scalar::binary64, 8);
     else if (kind == "c16") two(Scalar::binary128, 16);
+    else if (kind == "wk") one(Scalar::working);
     else return false;
     return true;
 }
@@ -322,6 +365,12 @@ void get(const Value& v, const Coordinate& c, mpfr_ptr out) {
             mpfr_set_si(out, static_cast<long>(i), MPFR_RNDN);
             break;
         }
+        case Scalar::working: {
+            mivor_work w;
+            std::memcpy(&w, p, sizeof w);
+            work_to_mpfr(out, w);
+            break;
+        }
     }
 }
 
@@ -356,6 +405,11 @@ void set(Value& v, const Coordinate& c, mpfr_srcptr in) {
         case Scalar::int64: {
             const auto i = static_cast<std::int64_t>(mpfr_get_si(in, MPFR_RNDN));
             std::memcpy(p, &i, sizeof i);
+            break;
+        }
+        case Scalar::working: {
+            const mivor_work w = work_from_mpfr(in);
+            std::memcpy(p, &w, sizeof w);
             break;
         }
     }
@@ -681,7 +735,12 @@ void Sampler::domain_sample(int i, mpfr_ptr out) {
         mirrored = d.mirrored;
     }
     const bool use_bits = ((counter_ >> i) & 1) == 0;
-    const long double least = f.integer() ? 1.0L : std::ldexp(1.0L, static_cast<int>(f.min_ulp_exp));
+    // (The least REAL(16) and working values lie below the least long
+    // double: the log-uniform half starts there, not at zero.)
+    const long double least =
+        f.integer() ? 1.0L
+                    : std::max(std::ldexp(1.0L, static_cast<int>(std::max(f.min_ulp_exp, long{INT_MIN / 2}))),
+                               std::numeric_limits<long double>::denorm_min());
     if (use_bits || (!mirrored && hi < least && lo > -least)) {
         bits(f, lo, hi, out);
     } else if (mirrored || lo >= 0) {
@@ -844,6 +903,19 @@ std::string describe_coordinate(const Value& v, const Coordinate& c) {
             std::int64_t i;
             std::memcpy(&i, p, sizeof i);
             std::snprintf(buf, sizeof buf, "%" PRId64, i);
+            break;
+        }
+        case Scalar::working: {
+            mivor_work w;
+            std::memcpy(&w, p, sizeof w);
+            mpfr_t x;
+            mpfr_init2(x, 128);
+            work_to_mpfr(x, w);
+            char dec[80];
+            mpfr_snprintf(dec, sizeof dec, "%.40Rg", x);
+            mpfr_clear(x);
+            std::snprintf(buf, sizeof buf, "0x%08X%08X%08X%08X,%d,%u (%s)", w.f[3], w.f[2], w.f[1], w.f[0],
+                          static_cast<int>(w.scale), w.sign, dec);
             break;
         }
     }

@@ -34,7 +34,9 @@ using exports::Value;
 
 // ---- formats --------------------------------------------------------------
 
-enum class Scalar { binary32, binary64, extended, binary128, int32, int64 };
+// working: the 128-bit working format of the REAL(16) kernels (mivor_work),
+// a 128-bit significand whose exponent range no measured value reaches.
+enum class Scalar { binary32, binary64, extended, binary128, int32, int64, working };
 
 struct Format {
     Scalar scalar;
@@ -60,6 +62,10 @@ void value_of(mpfr_ptr v, mpz_srcptr key, const Format& f);
 // REAL(16) words and MPFR numbers (exact both ways; v needs 113 bits).
 void real16_to_mpfr(mpfr_ptr v, const mivor_real16& q);
 mivor_real16 real16_from_mpfr(mpfr_srcptr v);
+// Working values and MPFR numbers (v needs 128 bits; to the working format
+// rounded to nearest).
+void work_to_mpfr(mpfr_ptr v, const mivor_work& w);
+mivor_work work_from_mpfr(mpfr_srcptr v);
 
 // ---- where an export's coordinates live ---------------------------------
 

@@ -709,6 +709,283 @@ int log_abs_gamma(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rnd) {
     return mpfr_lgamma(y, &sign, x, rnd);
 }
 
+// ---- REAL(16) elementary functions ------------------------------------------------
+//
+// Domains are the arguments answered without a report and without a
+// subnormal result (the functions return zero below 2^-16382, on purpose:
+// the working format rounds once to normal REAL(16) numbers).  Random
+// arguments cover the domain (half uniform over the representable numbers,
+// half log-uniform); the hard ranges are where the errors concentrate.
+
+constexpr long double kQmax = LDBL_MAX;  // within an ulp of the largest REAL(16)
+constexpr long double kQtiny = 0x1p-16382L;
+
+// j 2^e with j odd below 256: short arguments, where the terms of a
+// polynomial (1 + x + x^2/2, x^2, x^3) can tie with a rounding boundary.
+template <int Elo, int Ehi, bool Signed>
+void short_terms(Draw& d, const mpfr_ptr* c) {
+    const long j = 2 * static_cast<long>(d.unit() * 128) + 1;
+    const long e = Elo + static_cast<long>(d.unit() * (Ehi - Elo + 1));
+    mpfr_set_si_2exp(c[0], j, e, MPFR_RNDN);
+    if (Signed && d.unit() < 0.5) mpfr_neg(c[0], c[0], MPFR_RNDN);
+}
+// 1 -+ 2^-t (1 + u), t uniform in [1, 112]: next to 1, below (and above
+// with Above), of either sign with Signed.
+template <bool Above, bool Signed>
+void next_to_one(Draw& d, const mpfr_ptr* c) {
+    const long t = 1 + static_cast<long>(d.unit() * 112);
+    mpfr_set_d(c[0], 1 + d.unit(), MPFR_RNDN);
+    mpfr_mul_2si(c[0], c[0], -t - 1, MPFR_RNDN);
+    if (!(Above && d.unit() < 0.5)) mpfr_neg(c[0], c[0], MPFR_RNDN);
+    mpfr_add_ui(c[0], c[0], 1, MPFR_RNDN);
+    d.round(0, c[0]);
+    if (Signed && d.unit() < 0.5) mpfr_neg(c[0], c[0], MPFR_RNDN);
+}
+// A REAL(16) x = M 2^(E-112) among the closest of its binade to a multiple
+// of pi/2: M the largest denominator below 2^113 of a convergent of
+// 2^(E-112)/(pi/2) mod 1, brought into [2^112, 2^113) by a small multiple,
+// then moved by up to 4 units of its last place.  E uniform in [Elo, Ehi].
+template <int Elo, int Ehi>
+void closest_to_half_pi(Draw& d, const mpfr_ptr* c) {
+    const long E = Elo + static_cast<long>(d.unit() * (Ehi - Elo + 1));
+    const mpfr_prec_t prec = (E > 0 ? E : 0) + 700;
+    mpfr_t a;
+    mpfr_init2(a, prec);
+    mpfr_const_pi(a, MPFR_RNDN);
+    mpfr_ui_div(a, 2, a, MPFR_RNDN);
+    mpfr_mul_2si(a, a, E - 112, MPFR_RNDN);
+    mpfr_frac(a, a, MPFR_RNDN);
+    mpfr_mul_2ui(a, a, 500, MPFR_RNDN);
+    mpz_t num, den, q, r, k0, k1, k2, limit, low;
+    mpz_inits(num, den, q, r, k0, k1, k2, limit, low, nullptr);
+    mpfr_get_z(num, a, MPFR_RNDN);
+    mpz_set_ui(den, 1);
+    mpz_mul_2exp(den, den, 500);
+    mpz_set_ui(limit, 1);
+    mpz_mul_2exp(limit, limit, 113);
+    mpz_set_ui(k0, 0);
+    mpz_set_ui(k1, 1);
+    while (mpz_sgn(num) != 0) {
+        mpz_fdiv_qr(q, r, den, num);
+        mpz_mul(k2, q, k1);
+        mpz_add(k2, k2, k0);
+        if (mpz_cmp(k2, limit) >= 0) break;
+        mpz_swap(k0, k1);
+        mpz_swap(k1, k2);
+        mpz_swap(den, num);
+        mpz_swap(num, r);
+    }
+    mpz_set_ui(low, 1);
+    mpz_mul_2exp(low, low, 112);
+    mpz_cdiv_q(q, low, k1);
+    mpz_mul(k2, k1, q);
+    while (mpz_cmp(k2, limit) >= 0) mpz_sub(k2, k2, k1);
+    mpfr_set_z_2exp(c[0], k2, E - 112, MPFR_RNDN);
+    d.round(0, c[0]);
+    d.step(0, c[0], static_cast<long>(d.unit() * 9) - 4);
+    if (d.unit() < 0.5) mpfr_neg(c[0], c[0], MPFR_RNDN);
+    mpz_clears(num, den, q, r, k0, k1, k2, limit, low, nullptr);
+    mpfr_clear(a);
+}
+
+constexpr Range kQExpHard[] = {
+    {"uniform in [-11355, 11356]", uniform(-11355, 11356)},
+    {"near overflow [11350, 11356.5]", bits(11350, 11356.5)},
+    {"near underflow [-11355.1, -11340]", bits(-11355.1, -11340)},
+    {"tiny 2^-116 .. 2^-100", log_uniform(0x1p-116, 0x1p-100, both_signs)},
+    {"near k ln2/256", near_multiples(-4194000, 4194000, mpfr_const_log2, 1.0 / 256)},
+    {"short j 2^e, e in [-70, -40]", short_terms<-70, -40, true>},
+};
+constexpr Range kQExp2Hard[] = {
+    {"uniform in [-16382, 16384)", uniform(-16382, 16383.999)},
+    {"near overflow [16380, 16384)", bits(16380, 16383.999)},
+    {"near underflow [-16382, -16370]", bits(-16382, -16370)},
+    {"tiny 2^-116 .. 2^-100", log_uniform(0x1p-116, 0x1p-100, both_signs)},
+    {"near k/256", near_multiples(-4194000, 4194000, nullptr, 1.0 / 256)},
+};
+constexpr Range kQExp10Hard[] = {
+    {"uniform in [-4931.4, 4932]", uniform(-4931.4, 4932)},
+    {"near overflow [4930, 4932.07]", bits(4930, 4932.07)},
+    {"near underflow [-4931.4, -4925]", bits(-4931.4, -4925)},
+    {"tiny 2^-116 .. 2^-100", log_uniform(0x1p-116, 0x1p-100, both_signs)},
+    {"near integers", near_multiples(-4900, 4900, nullptr, 1)},
+};
+constexpr Range kQLogHard[] = {
+    {"uniform in (0, 4]", uniform(0, 4)},
+    {"near 1: [0.99, 1.01]", bits(0.99, 1.01)},
+    {"1 -+ 2^-1 .. 2^-113", next_to_one<true, false>},
+    {"subnormals", bits(0x1p-16445L, kQtiny)},
+    {"[0.5, 2]", uniform(0.5, 2)},
+    {"near overflow", log_uniform(0x1p16300L, kQmax)},
+};
+constexpr Range kQTrigHard[] = {
+    {"[-10, 10]", uniform(-10, 10)},
+    {"near k pi/2, |k| <= 8", near_multiples(-8, 8, mpfr_const_pi, 0.5)},
+    {"near k pi/2, |k| to 2^20", near_multiples(-1048576, 1048576, mpfr_const_pi, 0.5)},
+    {"near k pi/2, |k| to 2^60", near_multiples(-0x1p60L, 0x1p60L, mpfr_const_pi, 0.5)},
+    {"closest to k pi/2, binades 2^1 .. 2^200", closest_to_half_pi<1, 200>},
+    {"closest to k pi/2, binades 2^1 .. 2^16383", closest_to_half_pi<1, 16383>},
+    {"tiny 2^-120 .. 2^-40", log_uniform(0x1p-120, 0x1p-40, both_signs)},
+};
+constexpr Range kQAtanHard[] = {
+    {"[-2, 2]", uniform(-2, 2)},
+    {"tiny 2^-120 .. 2^-40", log_uniform(0x1p-120, 0x1p-40, both_signs)},
+    {"next to +-1", next_to_one<true, true>},
+    {"near the table points j/64", near_multiples(-64, 64, nullptr, 1.0 / 64)},
+    {"between the table points (j + 1/2)/64", near_multiples(-128, 128, nullptr, 1.0 / 128)},
+};
+// atan2: x of either sign in [0.5, 4.5].
+constexpr Axis kQAtan2X = bits(0.5, 4.5, both_signs);
+constexpr Range kQAtan2Hard[] = {
+    {"y in [-10, 10]", uniform(-10, 10), kQAtan2X},
+    {"y log-uniform 2^-200 .. 2^200", log_uniform(0x1p-200, 0x1p200, both_signs), kQAtan2X},
+    {"|y| near |x|", bits(0.45, 4.6, both_signs), kQAtan2X},
+    {"y tiny", log_uniform(0x1p-16000L, 0x1p-100, both_signs), kQAtan2X},
+};
+constexpr Range kQAsinHard[] = {
+    {"[-1, 1]", uniform(-1, 1)},
+    {"below +-1: 1 - 2^-1 .. 1 - 2^-113", next_to_one<false, true>},
+    {"tiny 2^-120 .. 2^-40", log_uniform(0x1p-120, 0x1p-40, both_signs)},
+    {"near 1/2 and 1/sqrt2", bits(0.49, 0.72, both_signs)},
+};
+constexpr Range kQHypHard[] = {
+    {"uniform in [-11355, 11355]", uniform(-11355, 11355)},
+    {"near 1/2, where the series ends", bits(0.45, 0.55, both_signs)},
+    {"[-3, 3]", uniform(-3, 3)},
+    {"tiny 2^-120 .. 2^-40", log_uniform(0x1p-120, 0x1p-40, both_signs)},
+    {"near overflow [11350, 11356.5]", bits(11350, 11356.5, both_signs)},
+    {"short j 2^e, e in [-70, -40]", short_terms<-70, -40, true>},
+};
+constexpr Range kQTanhHard[] = {
+    {"uniform in [-45, 45]", uniform(-45, 45)},
+    {"near 1/2, where the series ends", bits(0.45, 0.55, both_signs)},
+    {"tiny 2^-120 .. 2^-40", log_uniform(0x1p-120, 0x1p-40, both_signs)},
+    {"where tanh reaches 1: [38, 41]", bits(38, 41, both_signs)},
+};
+constexpr Range kQSqrtHard[] = {
+    {"uniform in [0, 4]", uniform(0, 4)},
+    {"next to 1", next_to_one<true, false>},
+    {"subnormals", bits(0x1p-16445L, kQtiny)},
+    {"short j 2^e (squares and near squares)", short_terms<-200, 200, false>},
+};
+constexpr Range kQCbrtHard[] = {
+    {"uniform in [-8, 8]", uniform(-8, 8)},
+    {"next to +-1", next_to_one<true, true>},
+    {"subnormals", bits(0x1p-16445L, kQtiny, both_signs)},
+    {"short j 2^e (cubes and near cubes)", short_terms<-200, 200, true>},
+};
+constexpr Range kQGammaHard[] = {
+    {"uniform in (0, 40]", uniform(0, 40)},
+    {"uniform in [-40, 0)", uniform(-40, 0)},
+    {"near 1 and 2", bits(0.98, 2.02)},
+    {"next to negative integers to -170", near_multiples(-170, -1, nullptr, 1, 1, 64)},
+    {"near overflow [1700, 1755.4]", bits(1700, 1755.4)},
+    {"tiny 2^-120 .. 2^-40", log_uniform(0x1p-120, 0x1p-40, both_signs)},
+    {"short j 2^e", short_terms<-10, 2, false>},
+};
+// Next to the zeros of ln|Gamma| on the negative axis the error is
+// promised absolutely (the result is tiny beside the terms that cancel).
+constexpr Range kQLgammaHard[] = {
+    {"uniform in [-40, 40]", uniform(-40, 40)},
+    {"near 1: [0.99, 1.01]", bits(0.99, 1.01)},
+    {"near 2: [1.99, 2.01]", bits(1.99, 2.01)},
+    {"very near 1 and 2", near_multiples(1, 2, nullptr, 1)},
+    {"around the minimum 1.46", bits(1.2, 1.7)},
+    {"next to negative integers to -170", near_multiples(-170, -1, nullptr, 1, 1, 64)},
+    {"tiny 2^-120 .. 2^-40", log_uniform(0x1p-120, 0x1p-40, both_signs)},
+    Range{"within 2^-10 of the zero -2.4570247", bits(-2.4580, -2.4560)}.within_absolute(-118),
+    Range{"within 2^-10 of the zero -2.7476826", bits(-2.7487, -2.7467)}.within_absolute(-118),
+    Range{"within 2^-10 of the zero -3.1435809", bits(-3.1446, -3.1426)}.within_absolute(-118),
+    Range{"within 2^-10 of the zero -3.9552943", bits(-3.9563, -3.9543)}.within_absolute(-118),
+};
+constexpr Range kQErfHard[] = {
+    {"[-6, 6]", uniform(-6, 6)},
+    {"near the piece ends 1/2 .. 5/2", near_multiples(-5, 5, nullptr, 0.5)},
+    {"tiny 2^-16382 .. 2^-40", log_uniform(kQtiny, 0x1p-40, both_signs)},
+    {"where erf reaches 1: [8, 9.5]", bits(8, 9.5, both_signs)},
+};
+constexpr Range kQErfcHard[] = {
+    {"[-10, 107]", uniform(-10, 107)},
+    {"near the piece ends 1/2 .. 5/2", near_multiples(-5, 5, nullptr, 0.5)},
+    {"near underflow [100, 106.53]", bits(100, 106.53)},
+    {"[2.4, 12]", uniform(2.4, 12)},
+    {"tiny 2^-120 .. 2^-40", log_uniform(0x1p-120, 0x1p-40, both_signs)},
+};
+// Degrees and quadrants: at and next to the multiples of a right angle
+// (exact results there), next to the angles of exact sines, tiny ones.
+constexpr Range kQDegHard[] = {
+    {"[-720, 720]", uniform(-720, 720)},
+    {"multiples of 90 and next to them, |k| to 2^40", near_multiples(-0x1p40L, 0x1p40L, nullptr, 90, 0, 64)},
+    {"next to multiples of 30", near_multiples(-1000, 1000, nullptr, 30)},
+    {"tiny 2^-16370 .. 2^-40", log_uniform(0x1p-16370L, 0x1p-40, both_signs)},
+};
+// The tangent and cotangent: the multiples of 90 (of 1 quadrant) and of 180
+// (2 quadrants) are poles of one of them and report; only their neighbours.
+constexpr Range kQDegPoleHard[] = {
+    {"[-720, 720]", uniform(-720, 720)},
+    {"next to multiples of 90, |k| to 2^40", near_multiples(-0x1p40L, 0x1p40L, nullptr, 90, 1, 64)},
+    {"next to multiples of 45", near_multiples(-1000, 1000, nullptr, 45, 1, 64)},
+    {"tiny 2^-16370 .. 2^-40", log_uniform(0x1p-16370L, 0x1p-40, both_signs)},
+};
+constexpr Range kQQuadHard[] = {
+    {"[-8, 8]", uniform(-8, 8)},
+    {"integers and next to them, |k| to 2^40", near_multiples(-0x1p40L, 0x1p40L, nullptr, 1, 0, 64)},
+    {"next to multiples of 1/3", near_multiples(-1000, 1000, nullptr, 1.0L / 3)},
+    {"tiny 2^-16380 .. 2^-40", log_uniform(0x1p-16380L, 0x1p-40, both_signs)},
+};
+constexpr Range kQQuadPoleHard[] = {
+    {"[-8, 8]", uniform(-8, 8)},
+    {"next to integers, |k| to 2^40", near_multiples(-0x1p40L, 0x1p40L, nullptr, 1, 1, 64)},
+    {"next to multiples of 1/2", near_multiples(-1000, 1000, nullptr, 0.5, 1, 64)},
+    {"tiny 2^-16380 .. 2^-40", log_uniform(0x1p-16380L, 0x1p-40, both_signs)},
+};
+
+int q_exp10(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_exp10(y, x, r); }
+int q_lgamma(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) {
+    int sign;
+    return mpfr_lgamma(y, &sign, x, r);
+}
+// cot in a unit: 1/tan with tan in 400 bits, rounded once (an error below
+// 2^-390 moves no rounding of a result but by a chance of 2^-270).
+template <unsigned long U>
+int cot_unit(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) {
+    mpfr_t t;
+    mpfr_init2(t, 400);
+    mpfr_tanu(t, x, U, MPFR_RNDN);
+    const int i = mpfr_ui_div(y, 1, t, r);
+    mpfr_clear(t);
+    return i;
+}
+
+// ---- the REAL(16) kernels on the working format ----------------------------------
+//
+// Errors in units of 2^-128 of the working value's binade (a working ulp is
+// 2^-127 relative at worst); the table's comment states each kernel's
+// relative bound.  Arguments: normal working values within each kernel's
+// domain.
+constexpr Axis kWorkWide = magnitudes(0x1p-16000L, 0x1p16000L);
+int w_sqrt_abs(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) {
+    mpfr_t a;
+    mpfr_init2(a, mpfr_get_prec(x));
+    mpfr_abs(a, x, MPFR_RNDN);
+    const int i = mpfr_sqrt(y, a, r);
+    mpfr_clear(a);
+    return i;
+}
+int w_log_abs(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) {
+    mpfr_t a;
+    mpfr_init2(a, mpfr_get_prec(x));
+    mpfr_abs(a, x, MPFR_RNDN);
+    const int i = mpfr_log(y, a, r);
+    mpfr_clear(a);
+    return i;
+}
+constexpr Range kWorkLogHard[] = {{"next to 1", next_to_one<true, false>}};
+constexpr Range kWorkTrigHard[] = {
+    {"[-10, 10]", uniform(-10, 10)},
+    {"closest to k pi/2, binades 2^1 .. 2^200", closest_to_half_pi<1, 200>},
+};
+
 // ---- the entries ---------------------------------------------------------------------
 
 constexpr Reference kReferences[] = {
@@ -867,6 +1144,79 @@ constexpr Reference kReferences[] = {
     {"g_gamma", mpfr_gamma, {interval(-45.0, 35.04)}, kGammaHard4, 0.51, kUnbounded, fast_gamma, 57},
     {"g_algama", log_abs_gamma, {interval(-0x1p23, 0x1p120)}, kGammaHard4, 0.51, kUnbounded, fast_lgamma, 57},
     {"g_lgamma", log_abs_gamma, {interval(-0x1p23, 0x1p120)}, kGammaHard4, 0.51, kUnbounded, fast_lgamma, 57},
+
+    // REAL(16) elementary functions: within 0.51 ulp.  Log-gamma: 0.6,
+    // its error is absolute (2^-122.6) where |ln Gamma| < 2^-7.5, next to
+    // 1 and 2, and the most seen there is 0.535.  Gamma of
+    // the least subnormal arguments overflows and reports; the tool counts
+    // those reports.
+    {"g_qexp", mpfr_exp, {interval(-11355.13, 11356.52)}, kQExpHard, 0.51},
+    {"g_qexp2", mpfr_exp2, {interval(-16382, 16383.999)}, kQExp2Hard, 0.51},
+    {"g_qexp10", q_exp10, {interval(-4931.47, 4932.07)}, kQExp10Hard, 0.51},
+    {"g_qlog", mpfr_log, {interval(0x1p-16445L, kQmax)}, kQLogHard, 0.51},
+    {"g_qlog2", mpfr_log2, {interval(0x1p-16445L, kQmax)}, kQLogHard, 0.51},
+    {"g_qlog10", mpfr_log10, {interval(0x1p-16445L, kQmax)}, kQLogHard, 0.51},
+    {"g_qsin", mpfr_sin, {magnitudes(kQtiny, kQmax)}, kQTrigHard, 0.51},
+    {"g_qcos", mpfr_cos, {interval(-kQmax, kQmax)}, kQTrigHard, 0.51},
+    {"g_qtan", mpfr_tan, {magnitudes(kQtiny, kQmax)}, kQTrigHard, 0.51},
+    {"g_qcotan", mpfr_cot, {magnitudes(kQtiny, kQmax)}, kQTrigHard, 0.51},  // cot(+-0) reports
+    {"g_qasin", mpfr_asin, {magnitudes(kQtiny, 1)}, kQAsinHard, 0.51},
+    {"g_qacos", mpfr_acos, {interval(-1, 1)}, kQAsinHard, 0.51},
+    {"g_qatan", mpfr_atan, {magnitudes(kQtiny, kQmax)}, kQAtanHard, 0.51},
+    {"g_qatan2", mpfr_atan2, {magnitudes(0x1p-8000L, 0x1p8000L), magnitudes(0x1p-8000L, 0x1p8000L)}, kQAtan2Hard, 0.51},
+    {"g_qsind", unit<mpfr_sinu, 360>, {magnitudes(0x1p-16370L, kQmax)}, kQDegHard, 0.51},
+    {"g_qcosd", unit<mpfr_cosu, 360>, {interval(-kQmax, kQmax)}, kQDegHard, 0.51},
+    {"g_qtand", unit<mpfr_tanu, 360>, {magnitudes(0x1p-16370L, 0x1p100L)}, kQDegPoleHard, 0.51},
+    {"g_qcotd", cot_unit<360>, {magnitudes(0x1p-16370L, 0x1p100L)}, kQDegPoleHard, 0.51},
+    {"g_qasind", unit<mpfr_asinu, 360>, {magnitudes(kQtiny, 1)}, kQAsinHard, 0.51},
+    {"g_qacosd", unit<mpfr_acosu, 360>, {interval(-1, 1)}, kQAsinHard, 0.51},
+    {"g_qatand", unit<mpfr_atanu, 360>, {magnitudes(kQtiny, kQmax)}, kQAtanHard, 0.51},
+    {"g_qatan2d", unit2<mpfr_atan2u, 360>, {magnitudes(0x1p-8000L, 0x1p8000L), magnitudes(0x1p-8000L, 0x1p8000L)},
+     kQAtan2Hard, 0.51},
+    {"g_qsinq", unit<mpfr_sinu, 4>, {magnitudes(0x1p-16380L, kQmax)}, kQQuadHard, 0.51},
+    {"g_qcosq", unit<mpfr_cosu, 4>, {interval(-kQmax, kQmax)}, kQQuadHard, 0.51},
+    {"g_qtanq", unit<mpfr_tanu, 4>, {magnitudes(0x1p-16380L, 0x1p100L)}, kQQuadPoleHard, 0.51},
+    {"g_qcotq", cot_unit<4>, {magnitudes(0x1p-16380L, 0x1p100L)}, kQQuadPoleHard, 0.51},
+    {"g_qasinq", unit<mpfr_asinu, 4>, {magnitudes(0x1p-16380L, 1)}, kQAsinHard, 0.51},
+    {"g_qacosq", unit<mpfr_acosu, 4>, {interval(-1, 1)}, kQAsinHard, 0.51},
+    {"g_qatanq", unit<mpfr_atanu, 4>, {magnitudes(0x1p-16380L, kQmax)}, kQAtanHard, 0.51},
+    {"g_qatan2q", unit2<mpfr_atan2u, 4>, {magnitudes(0x1p-8000L, 0x1p8000L), magnitudes(0x1p-8000L, 0x1p8000L)},
+     kQAtan2Hard, 0.51},
+    {"g_qsinh", mpfr_sinh, {magnitudes(kQtiny, 11357.2)}, kQHypHard, 0.51},
+    {"g_qcosh", mpfr_cosh, {interval(-11357.2, 11357.2)}, kQHypHard, 0.51},
+    {"g_qtanh", mpfr_tanh, {magnitudes(kQtiny, kQmax)}, kQTanhHard, 0.51},
+    {"g_qsqrt", mpfr_sqrt, {interval(0, kQmax)}, kQSqrtHard, 0.51},
+    {"g_qcbrt", mpfr_cbrt, {interval(-kQmax, kQmax)}, kQCbrtHard, 0.51},
+    {"g_qgamma", mpfr_gamma, {interval(-170.5, 1755.45)}, kQGammaHard, 0.51},
+    {"g_qlgama", q_lgamma, {interval(-1000, 0x1p16370L)}, kQLgammaHard, 0.6},
+    {"g_qerf", mpfr_erf, {magnitudes(kQtiny, kQmax)}, kQErfHard, 0.51},
+    {"g_qerfc", mpfr_erfc, {interval(-kQmax, 106.53)}, kQErfcHard, 0.51},
+
+    // The kernels beneath them, on the working format: bounds in units of
+    // 2^-128 of the result's binade, 2^(128 - b) for the relative bound
+    // 2^-b of each kernel's contract (exports.tab).
+    {"jwe_guunp", mpfr_set, {interval(-kQmax, kQmax)}, {}, 0},
+    {"jwe_gurnd", mpfr_set, {kWorkWide}, {}, 0.5},
+    {"jwe_guadd", mpfr_add, {kWorkWide, kWorkWide}, kQuadAddHard, 0.5},
+    {"jwe_gumul", mpfr_mul, {kQuadHalf, kQuadHalf}, kQuadMulHard, 0.5},
+    {"jwe_gudiv", mpfr_div, {kQuadHalf, kQuadHalf}, kQuadDivHard, 5.66},
+    {"jwe_gusqt", w_sqrt_abs, {kWorkWide}, {}, 4},
+    {"jwe_guexp", mpfr_exp, {magnitudes(0x1p-16000L, 32000)}, {}, 2.14},
+    {"jwe_gulog", w_log_abs, {kWorkWide}, kWorkLogHard, 2.83},
+    {"jwe_gusin", mpfr_sin, {magnitudes(0x1p-16000L, kQmax)}, kWorkTrigHard, 13},
+    {"jwe_gucos", mpfr_cos, {magnitudes(0x1p-16000L, kQmax)}, kWorkTrigHard, 13},
+    {"jwe_gutan", mpfr_tan, {magnitudes(0x1p-16000L, kQmax)}, kWorkTrigHard, 22.6},
+    {"jwe_guatn", mpfr_atan2, {kQuadHalf, kQuadHalf}, {}, 9.2},
+    {"jwe_guasn", mpfr_asin, {magnitudes(0x1p-16000L, 1)}, {}, 14.9},
+    {"jwe_guacs", mpfr_acos, {magnitudes(0x1p-16000L, 1)}, {}, 14.9},
+    {"jwe_gusnh", mpfr_sinh, {magnitudes(0x1p-16000L, 16000)}, {}, 7.5},
+    {"jwe_gucsh", mpfr_cosh, {magnitudes(0x1p-16000L, 16000)}, {}, 4.9},
+    {"jwe_guthn", mpfr_tanh, {magnitudes(0x1p-16000L, 16000)}, {}, 10.6},
+    // ln|Gamma|: within 2^-122.6 absolute below 20 (no ulp bound; positive
+    // arguments, the negative ones have zeros).
+    {"jwe_gulgm", q_lgamma, {interval(0x1p-16000L, 0x1p16000L)}},
+    {"jwe_guerf", mpfr_erf, {magnitudes(0x1p-16000L, kQmax)}, {}, 73.5},
+    {"jwe_guerc", mpfr_erfc, {magnitudes(0x1p-16000L, 106.5)}, {}, 73.5},
 };
 
 }  // namespace

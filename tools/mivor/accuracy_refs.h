@@ -151,6 +151,11 @@ struct Range {
     // function's figure (the doubles nearest a multiple of pi/2, where an
     // absolute error bound shows in ulps).
     double bound = kUnbounded;
+    // A range judged by its absolute error instead, against 2^abs_bound_log2
+    // (next to a zero of a function whose error is promised only so there:
+    // ln|Gamma| next to its zeros on the negative axis); shown apart too.
+    bool absolute = false;
+    double abs_bound_log2 = 0;
 
     constexpr Range(std::string_view l, Axis a0, Axis a1 = {}, Axis a2 = {}, Axis a3 = {})
         : label(l), axes{a0, a1, a2, a3} {}
@@ -165,6 +170,13 @@ struct Range {
         r.bound = b;
         return r;
     }
+    constexpr Range within_absolute(double log2_bound) const {
+        Range r = *this;
+        r.absolute = true;
+        r.abs_bound_log2 = log2_bound;
+        return r;
+    }
+    constexpr bool apart() const { return bound >= 0 || absolute; }
 };
 
 struct Domain {

@@ -82,6 +82,20 @@ mivor_real16 real16(Random& r) {
     return q;
 }
 
+// A working value of the REAL(16) kernels: normalised, scales mostly near
+// 0, sometimes anywhere in the REAL(16) range; now and then zero.
+mivor_work work(Random& r) {
+    mivor_work w{};
+    for (auto& f : w.f) f = static_cast<std::uint32_t>(r.next());
+    w.f[3] |= 0x80000000u;
+    const std::uint32_t pick = r.below(8);
+    w.scale = pick < 5 ? static_cast<std::int32_t>(r.below(40)) - 20
+                       : static_cast<std::int32_t>(r.below(32000)) - 16000;
+    w.sign = static_cast<std::uint32_t>(r.next() & 1);
+    if (pick == 7 && r.below(4) == 0) w = mivor_work{};
+    return w;
+}
+
 std::int64_t integer(Random& r, bool wide) {
     const std::uint32_t pick = r.below(4);
     std::int64_t v;
@@ -103,6 +117,7 @@ Value random_value(Random& r, std::string_view kind) {
                                    std::bit_cast<float>(static_cast<std::uint32_t>(real_bits(r, 4)))};
     else if (kind == "c8") v.c8 = {std::bit_cast<double>(real_bits(r, 8)), std::bit_cast<double>(real_bits(r, 8))};
     else if (kind == "c16") v.c16 = {real16(r), real16(r)};
+    else if (kind == "wk") v.wk = work(r);
 #if defined(__SSE2__)
     else if (kind == "v2r8") v.v2r8 = _mm_set_pd(std::bit_cast<double>(real_bits(r, 8)),
                                                  std::bit_cast<double>(real_bits(r, 8)));

@@ -236,6 +236,20 @@ std::optional<Value> parse_value(std::string_view kind, std::string_view text) {
         auto a = parse_real16(re), b = parse_real16(im.empty() ? "0" : im);
         if (!a || !b) return std::nullopt;
         v.c16 = {*a, *b};
+    } else if (kind == "wk") {
+        // Words f3 f2 f1 f0, scale and sign: "0xF3F2F1F0,SCALE,SIGN".
+        auto [frac, rest] = split_pair(text);
+        auto [scale, sign] = split_pair(rest);
+        if (frac.size() != 34 || !is_hex(frac)) return std::nullopt;
+        for (int i = 0; i < 4; ++i) {
+            auto w = parse_hex(std::string("0x") + std::string(frac.substr(2 + 8 * (3 - i), 8)), 8);
+            if (!w) return std::nullopt;
+            v.wk.f[i] = static_cast<std::uint32_t>(*w);
+        }
+        auto e = parse_integer(scale.empty() ? "0" : scale), n = parse_integer(sign.empty() ? "0" : sign);
+        if (!e || !n) return std::nullopt;
+        v.wk.scale = static_cast<std::int32_t>(*e);
+        v.wk.sign = static_cast<std::uint32_t>(*n) & 1;
 #if defined(__SSE2__)
     } else if (kind == "v2r8") {
         auto [lo, hi] = split_pair(text);
@@ -276,6 +290,11 @@ std::string format_value(std::string_view kind, const Value& v) {
     if (kind == "c4") return show4(v.c4.re) + ", " + show4(v.c4.im);
     if (kind == "c8") return show8(v.c8.re) + ", " + show8(v.c8.im);
     if (kind == "c16") return show16(v.c16.re) + ", " + show16(v.c16.im);
+    if (kind == "wk") {
+        std::snprintf(buf, sizeof buf, "0x%08" PRIX32 "%08" PRIX32 "%08" PRIX32 "%08" PRIX32 ",%" PRId32 ",%" PRIu32,
+                      v.wk.f[3], v.wk.f[2], v.wk.f[1], v.wk.f[0], v.wk.scale, v.wk.sign);
+        return buf;
+    }
 #if defined(__SSE2__)
     if (kind == "v2r8") {
         double lanes[2];
@@ -292,6 +311,7 @@ std::size_t significant_size(std::string_view kind) {
     if (kind == "r8x") return 10;
     if (kind == "r16" || kind == "c8" || kind == "v2r8") return 16;
     if (kind == "c16") return 32;
+    if (kind == "wk") return 24;
     return 0;
 }
 
