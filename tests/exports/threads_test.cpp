@@ -10,9 +10,9 @@
 // single-threaded run finds them, and the threaded run counts reports
 // through a handler that must never be called.
 //
-// The matrix entries are not driven yet (their argument blocks have no
-// generator); the GEMM path, which keeps static work areas, is not
-// reentrant and is to be called from one thread at a time.
+// The matrix entries have a test of their own: the argument blocks of the
+// golden run, each thread in its own arena, the GEMM path's packing areas
+// shared among them.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -28,6 +28,7 @@
 #include "inputs.h"
 #include "mivor/control_area.h"
 #include "mivor/values.h"
+#include "mivor/matrix_cases.h"
 #include "support/recording_handler.h"
 
 namespace {
@@ -57,6 +58,7 @@ std::vector<Call> quiet_calls(std::size_t& reporting) {
     mivor::fuzz::Random random{12345};
     reporting = 0;
     for (const Row* row : harness.rows()) {
+        if (mivor::tool::is_matrix_export(row->name)) continue;
         for (int i = 0; i < kInputsPerExport; ++i) {
             const mivor::fuzz::Case c = mivor::fuzz::random_case(*row, random);
             Call call{row, {}, {}, mivor::tool::significant_size(row->result)};
@@ -117,6 +119,71 @@ TEST(Threads, EveryExportGivesTheSameBitsFromFourThreadsAtOnce) {
 
     EXPECT_EQ(g_threaded_reports.load(), 0);
     for (const std::string& d : differences) ADD_FAILURE() << d;
+}
+
+// One thread's arena for the matrix cases.
+struct MatrixArena {
+    std::vector<unsigned char> data = std::vector<unsigned char>(mivor::tool::kMatrixDataBytes);
+    std::vector<unsigned char> pointers = std::vector<unsigned char>(mivor::tool::kMatrixPointerBytes);
+    std::vector<unsigned char> run(const Row& row, std::uint64_t seed) {
+        Value args[mivor::fuzz::kMaxArguments] = {};
+        std::fill(data.begin(), data.end(), 0);
+        const mivor::tool::MatrixArena arena{data.data(), data.size(), pointers.data(), pointers.size()};
+        const auto bytes = mivor::tool::run_matrix_case(row, seed, args, std::size(args), arena);
+        return {bytes.begin(), bytes.end()};
+    }
+};
+
+TEST(Threads, MatrixProductsGiveTheSameBitsFromFourThreadsAtOnce) {
+    struct MatrixCall {
+        const Row* row;
+        std::uint64_t seed;
+        std::vector<unsigned char> expected;
+    };
+    std::vector<MatrixCall> calls;
+    {
+        mivor::testing::RecordingHandler handler;
+        MatrixArena arena;
+        for (const Row& row : mivor::exports::rows()) {
+            if (!row.thunk || !mivor::tool::is_matrix_export(row.name)) continue;
+            for (std::uint64_t i = 0; i < 24; ++i) {
+                const std::uint64_t seed = 0x9E3779B97F4A7C15u * (i + 1) ^ row.name.size();
+                handler.clear();
+                auto expected = arena.run(row, seed);
+                if (handler.reports().empty()) calls.push_back({&row, seed, std::move(expected)});
+            }
+        }
+    }
+    ASSERT_GT(calls.size(), 100u);
+
+    jwe_control_area saved;
+    std::memcpy(&saved, &jwe_lca, sizeof saved);
+    jwe_lca.handler = &must_not_report;
+    jwe_lca.handler_enabled = 1;
+    jwe_lca.suppress = 0;
+    g_threaded_reports = 0;
+    std::atomic<int> differences{0};
+    std::mutex mutex;
+    std::string first;
+    auto work = [&](int t) {
+        MatrixArena arena;
+        for (int round = 0; round < 2; ++round) {
+            const std::size_t n = calls.size();
+            for (std::size_t j = 0; j < n; ++j) {
+                const MatrixCall& c = calls[(j + static_cast<std::size_t>(t) * n / kThreads) % n];
+                if (arena.run(*c.row, c.seed) != c.expected && differences.fetch_add(1) == 0) {
+                    std::lock_guard<std::mutex> lock(mutex);
+                    first = std::string(c.row->name) + " seed " + std::to_string(c.seed);
+                }
+            }
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) threads.emplace_back(work, t);
+    for (std::thread& th : threads) th.join();
+    std::memcpy(&jwe_lca, &saved, sizeof saved);
+    EXPECT_EQ(g_threaded_reports.load(), 0);
+    EXPECT_EQ(differences.load(), 0) << "first: " << first;
 }
 
 // Reports made from four threads at once: every thread still gets the

@@ -297,7 +297,9 @@ int tan_unit(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rnd) {
 template <unsigned long turn>
 int cot_unit(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t rnd) {
     mpfr_t t;
-    mpfr_init2(t, mpfr_get_prec(y) + 20);
+    // tan in 400 bits, then 1/tan rounded once: an error below 2^-390
+    // moves no rounding of a REAL(16) result but by a chance of 2^-270.
+    mpfr_init2(t, 400);
     mpfr_tanu(t, x, turn, MPFR_RNDN);  // exact only at 0, +-1 and the poles
     int inexact = 0;
     if (mpfr_zero_p(t)) mpfr_set_inf(y, 1);
@@ -944,17 +946,6 @@ int q_exp10(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) { return mpfr_exp10(y, x, r
 int q_lgamma(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) {
     int sign;
     return mpfr_lgamma(y, &sign, x, r);
-}
-// cot in a unit: 1/tan with tan in 400 bits, rounded once (an error below
-// 2^-390 moves no rounding of a result but by a chance of 2^-270).
-template <unsigned long U>
-int cot_unit(mpfr_ptr y, mpfr_srcptr x, mpfr_rnd_t r) {
-    mpfr_t t;
-    mpfr_init2(t, 400);
-    mpfr_tanu(t, x, U, MPFR_RNDN);
-    const int i = mpfr_ui_div(y, 1, t, r);
-    mpfr_clear(t);
-    return i;
 }
 
 // ---- the REAL(16) kernels on the working format ----------------------------------
