@@ -152,20 +152,7 @@ Wide exp10_kernel(const Wide& x) {
     // significand: the 384-bit product m L, shifted right by 206 - e >= 193
     // (|x| < 2^13), modulo 2^192, rounded.
     std::uint64_t p[6] = {};  // least significant first
-    const std::uint64_t mw[2] = {x.m.lo, x.m.hi};
-    for (int i = 0; i < 2; ++i) {
-        std::uint64_t carry = 0;
-        for (int j = 0; j < 4; ++j) {
-            const U128 t = mul64(mw[i], kLn10[3 - j]);
-            std::uint64_t lo = t.lo + carry;
-            std::uint64_t hi = t.hi + (lo < carry);
-            const std::uint64_t s = p[i + j] + lo;
-            hi += s < lo;
-            p[i + j] = s;
-            carry = hi;
-        }
-        p[i + 4] += carry;
-    }
+    multiply_accumulate(x.m, kLn10, 4, p);
     const int shift = 206 - x.e;
     // Bits shift .. shift + 191 of p, plus the rounding bit below them.
     auto bit_word = [&p](int b) -> std::uint64_t {  // 64 bits starting at bit b

@@ -82,6 +82,26 @@ inline U128 mul64(std::uint64_t a, std::uint64_t b) {
     return U128{hi, lo};
 }
 
+// acc += m c exactly: m a 128-bit integer, c an n-word integer written most
+// significant word first (as the tables of constants are), acc n + 2 words
+// least significant first, large enough that the sum does not carry out.
+inline void multiply_accumulate(U128 m, const std::uint64_t* c, int n, std::uint64_t* acc) {
+    const std::uint64_t mw[2] = {m.lo, m.hi};
+    for (int i = 0; i < 2; ++i) {
+        std::uint64_t carry = 0;
+        for (int j = 0; j < n; ++j) {
+            const U128 t = mul64(mw[i], c[n - 1 - j]);
+            const std::uint64_t lo = t.lo + carry;
+            std::uint64_t hi = t.hi + (lo < carry);
+            const std::uint64_t s = acc[i + j] + lo;
+            hi += s < lo;
+            acc[i + j] = s;
+            carry = hi;
+        }
+        acc[i + n] += carry;
+    }
+}
+
 // The full 256-bit product of two 128-bit integers, most significant first.
 struct U256 {
     std::uint64_t w3, w2, w1, w0;

@@ -51,20 +51,7 @@ Reduced reduce_radians(const Wide& a) {
     const int j0 = e > 130 ? (e - 130) >> 6 : 0;
     // S = m * (words j0 .. j0+7 of 2/pi), 640 bits.
     std::uint64_t S[10] = {};
-    const std::uint64_t mw[2] = {a.m.lo, a.m.hi};
-    for (int i = 0; i < 2; ++i) {
-        std::uint64_t carry = 0;
-        for (int j = 0; j < 8; ++j) {
-            const U128 t = mul64(mw[i], kTwoOverPi[j0 + 7 - j]);
-            const std::uint64_t lo = t.lo + carry;
-            std::uint64_t hi = t.hi + (lo < carry);
-            const std::uint64_t s = S[i + j] + lo;
-            hi += s < lo;
-            S[i + j] = s;
-            carry = hi;
-        }
-        S[i + 8] += carry;
-    }
+    multiply_accumulate(a.m, &kTwoOverPi[j0], 8, S);
     const int p0 = 128 + 64 * (j0 + 8) - e;
     unsigned k = static_cast<unsigned>(bits_at(S, p0)) & 3;
     // The 320 bits below the binary point, most significant word first.
