@@ -36,8 +36,6 @@ namespace {
 
 using Pass = report::Step<Real16, Real16>;
 
-enum class Fn { sin, cos, tan, cot };
-
 template <Fn fn>
 Pass circular_pass(Real16 x) {
     switch (kind_of(x)) {
@@ -56,11 +54,7 @@ Pass circular_pass(Real16 x) {
     const Wide w = from_real16(x);
     const Reduced red = reduce_radians(w);
     const SinCos sc = by_quadrant(sincos_reduced(red.r), red.quadrant);
-    Wide y;
-    if constexpr (fn == Fn::sin) y = sc.sin;
-    else if constexpr (fn == Fn::cos) y = sc.cos;
-    else if constexpr (fn == Fn::tan) y = div(sc.sin, sc.cos);
-    else y = div(sc.cos, sc.sin);
+    Wide y = circular<fn>(sc);
     // The odd functions take the sign of x (the reduction works on |x|).
     if constexpr (fn != Fn::cos) y.neg ^= w.neg;
     const Rounded r = round_to_real16(y);

@@ -39,7 +39,6 @@ namespace {
 
 using Pass = report::Step<Real16, Real16>;
 
-enum class Fn { sin, cos, tan, cot };
 enum class Unit { degree, quadrant };
 
 template <Fn fn, Unit unit>
@@ -63,11 +62,7 @@ Pass unit_pass(Real16 x) {
         if (is_zero(red.r) && (odd == (fn == Fn::tan))) return report::fail(pole, _Inf_Q, kHuge_Q);
     }
     const SinCos sc = by_quadrant(is_zero(red.r) ? SinCos{kWideZero, kWideOne} : sincos_reduced(red.r), red.quadrant);
-    Wide y;
-    if constexpr (fn == Fn::sin) y = sc.sin;
-    else if constexpr (fn == Fn::cos) y = sc.cos;
-    else if constexpr (fn == Fn::tan) y = div(sc.sin, sc.cos);
-    else y = div(sc.cos, sc.sin);
+    Wide y = circular<fn>(sc);
     if constexpr (fn != Fn::cos) y.neg ^= w.neg;
     const Rounded r = round_to_real16(y);
     if (r.overflow) return report::fail(pole, _Inf_Q, kHuge_Q);

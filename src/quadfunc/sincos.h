@@ -34,4 +34,15 @@ SinCos sincos_reduced(const Wide& r);
 // 1 (cos r, -sin r), 2 (-sin r, -cos r), 3 (-cos r, sin r).
 SinCos by_quadrant(const SinCos& sc, unsigned k);
 
+// The four circular functions, each from the sine and cosine of one
+// reduction.
+enum class Fn { sin, cos, tan, cot };
+template <Fn fn>
+inline Wide circular(const SinCos& sc) {
+    if constexpr (fn == Fn::sin) return sc.sin;
+    else if constexpr (fn == Fn::cos) return sc.cos;
+    else if constexpr (fn == Fn::tan) return div(sc.sin, sc.cos);
+    else return div(sc.cos, sc.sin);
+}
+
 }  // namespace mivor::quadfunc
