@@ -336,6 +336,14 @@ void hostile_handler(void* record) {
     if (kind == Action::correct_retry || kind == Action::correct_decline) {
         const OperandCopies copies = tool::operand_copies(a, s.kinds);
         const int which = (action >> 4) & 3;
+        // Every copy must still be the argument it stands for, the one left
+        // alone too: after a restart on |x| a corrected y retries on |x|.
+        bool all_arguments = true;
+        for (int slot = 0; slot < copies.count && slot < 2; ++slot)
+            all_arguments = all_arguments && copies.at[slot] && !copies.kind[slot].empty() &&
+                            slot < static_cast<int>(s.kinds.size()) &&
+                            std::memcmp(s.final_args[slot].bytes, copies.at[slot],
+                                        tool::significant_size(copies.kind[slot])) == 0;
         for (int slot = 0; slot < 2; ++slot) {
             if (which == 1 + (1 - slot)) continue;  // 1: first only, 2: second only
             if (!copies.at[slot] || copies.kind[slot].empty()) continue;
@@ -348,7 +356,7 @@ void hostile_handler(void* record) {
             const bool maps = own_number(*s.c->row, number) && !halves_retry_alone(*s.c->row) && copies.count == static_cast<int>(s.kinds.size()) &&
                               tool::descriptor_code(s.kinds[static_cast<std::size_t>(slot)]) ==
                                   tool::descriptor_code(copies.kind[slot]) &&
-                              std::memcmp(s.final_args[slot].bytes, copies.at[slot], width) == 0;
+                              all_arguments;
             std::memcpy(copies.at[slot], s.chunk(), width);
             s.corrections_made = true;
             if (kind != Action::correct_retry) continue;
