@@ -86,11 +86,16 @@ inline void block_rows(const Operand<T>& a, const T* b_col, std::int32_t b_step,
                        std::int32_t k0, std::int32_t kb) {
     typename Arith::Acc s[kRows];
     for (int q = 0; q < kRows; ++q) s[q] = Arith::zero();
+    // Offsets from A's element (i0, k0), kept as integers: stepping a
+    // pointer past the last column would form an address outside the
+    // array, which a stride of any size may wrap on a 32-bit target.
     const T* ap = a.ptr(i0, k0);
+    std::ptrdiff_t column = 0;
     for (std::int32_t k = 0; k < kb; ++k) {
         const T bk = load(b_col + static_cast<std::ptrdiff_t>(k) * b_step);
-        for (int q = 0; q < kRows; ++q) Arith::add(s[q], load(ap + static_cast<std::ptrdiff_t>(q) * a.stride1), bk);
-        ap += a.stride2;
+        for (int q = 0; q < kRows; ++q)
+            Arith::add(s[q], load(ap + (column + static_cast<std::ptrdiff_t>(q) * a.stride1)), bk);
+        column += a.stride2;
     }
     for (int q = 0; q < kRows; ++q) store(r_col + i0 + q, Arith::store_plus(s[q], load(r_col + i0 + q)));
 }

@@ -2,6 +2,9 @@
 // the working format, for sibling libraries (contracts in exports.tab).
 // Each reads all its operands before writing the result, so the result
 // may share an operand.
+#include <algorithm>
+#include <cstdint>
+
 #include "mivor/mivor.h"
 #include "quadfunc/atan.h"
 #include "quadfunc/erf.h"
@@ -24,7 +27,12 @@ Wide in(const mivor_work* a) {
     const std::uint32_t neg = a->sign & 1;
     if (is_zero(f)) return Wide{{0, 0}, kZeroScale, neg};
     const int s = clz(f);
-    return Wide{shl(f, s), a->scale - s, neg};
+    // A caller's scale may be any 32-bit value; beyond +-2^30 every kernel
+    // is far outside its domain (overflow, underflow or its limit) alike,
+    // and the clamp keeps the kernels' exponent arithmetic from wrapping.
+    constexpr std::int64_t kScaleLimit = std::int64_t{1} << 30;
+    const std::int64_t e = std::clamp<std::int64_t>(std::int64_t{a->scale} - s, -kScaleLimit, kScaleLimit);
+    return Wide{shl(f, s), static_cast<std::int32_t>(e), neg};
 }
 
 mivor_work* out(mivor_work* r, const Wide& w) {
