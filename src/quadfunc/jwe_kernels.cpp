@@ -27,10 +27,11 @@ Wide in(const mivor_work* a) {
     const std::uint32_t neg = a->sign & 1;
     if (is_zero(f)) return Wide{{0, 0}, kZeroScale, neg};
     const int s = clz(f);
-    // A caller's scale may be any 32-bit value; beyond +-2^30 every kernel
+    // A caller's scale may be any 32-bit value; beyond +-2^20 every kernel
     // is far outside its domain (overflow, underflow or its limit) alike,
-    // and the clamp keeps the kernels' exponent arithmetic from wrapping.
-    constexpr std::int64_t kScaleLimit = std::int64_t{1} << 30;
+    // and the clamp leaves the kernels' exponent sums (products of products)
+    // room before they could wrap.
+    constexpr std::int64_t kScaleLimit = std::int64_t{1} << 20;
     const std::int64_t e = std::clamp<std::int64_t>(std::int64_t{a->scale} - s, -kScaleLimit, kScaleLimit);
     return Wide{shl(f, s), static_cast<std::int32_t>(e), neg};
 }
