@@ -142,7 +142,7 @@ struct Hyperbolic {
     int m;
 };
 
-// From E = e^a/2 with a = ah + al >= 1.
+// From E = e^a/2 with a = ah + al >= 0.5.
 inline Hyperbolic from_exponential(ExtendedPrecision& scope, double ah, double al) {
     if (!(ah < kBeyond)) {
         // Infinite, NaN (passed on), or beyond every overflow (infinite).
@@ -161,13 +161,13 @@ template <Unit unit>
 inline Hyperbolic hyperbolic(ExtendedPrecision& scope, double y) {
     const double a = trig::magnitude(y);
     if constexpr (unit == Unit::radians) {
-        if (a < 1.0) {
+        if (a < 0.5) {
             const long double al = scope.pin(a);
             return {hyp::cosh_series(al), hyp::sinh_series(al), 0};
         }
         return from_exponential(scope, a, 0.0);
     } else {
-        if (a < 0.625) {  // a pi/2 < 0.99
+        if (a < 0x1.45f306dc9c883p-2) {  // 1/pi: a pi/2 < 0.5
             const long double al = scope.pin(a) * kHalfPi;
             return {hyp::cosh_series(al), hyp::sinh_series(al), 0};
         }

@@ -1,7 +1,7 @@
-// Complex sine and cosine, radians and quadrants: both parts against the
-// formula in extended precision, finite products next to the overflow of
-// cosh, exact quadrant zeros, the Annex G special values, and the reports
-// with their fallbacks and retries.
+// Complex sine and cosine, radians and quadrants (every flavour): finite
+// products next to the overflow of cosh, exact quadrant zeros, the Annex G
+// special values, and the reports with their fallbacks and retries.  The
+// accuracy against MPFR and glibc: sin_cos_mpfr_test.cpp.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -40,71 +40,12 @@ mivor_complex4 call(Fn4 f, float x, float y) {
     return r;
 }
 
-// The formula in extended precision: x = k + r reduced exactly for the
-// quadrant forms (|r| <= 1/2), so that libm's extended functions keep their
-// relative accuracy next to multiples of a quadrant.
-struct Exact {
-    long double re, im;
-};
-Exact formula(bool cosine, bool quadrants, double x, double y) {
-    long double s, c, yl = y;
-    if (quadrants) {
-        const double k = std::nearbyint(x);
-        const long double r = (x - k) * kHalfPi, sr = sinl(r), cr = cosl(r);
-        const long double v[4] = {sr, cr, -sr, -cr};
-        const auto q = static_cast<int>(std::fmod(k, 4.0) + 4) & 3;
-        s = v[q], c = v[(q + 1) & 3];
-        yl *= kHalfPi;
-    } else {
-        s = sinl(x), c = cosl(x);
-    }
-    const long double ch = coshl(yl), sh = sinhl(yl);
-    return cosine ? Exact{c * ch, -s * sh} : Exact{s * ch, c * sh};
-}
-
 template <class T>
 double ulp_error(T got, long double exact) {
     int e = 0;
     frexpl(exact, &e);
     const int digits = std::numeric_limits<T>::digits;
     return static_cast<double>(fabsl(got - exact) / ldexpl(1.0L, e - digits));
-}
-
-double uniform(std::uint64_t& s, double lo, double hi) {
-    s = s * 6364136223846793005u + 1442695040888963407u;
-    return lo + static_cast<double>(s >> 11) * 0x1p-53 * (hi - lo);
-}
-
-struct Member {
-    const char* name;
-    Fn8 f8;
-    Fn4 f4;
-    bool cosine, quadrants;
-};
-const Member kMembers[] = {
-    {"sin", g_cdsin, g_csin, false, false},     {"cos", g_cdcos, g_ccos, true, false},
-    {"sinq", g_cdsinq, g_csinq, false, true},   {"cosq", g_cdcosq, g_ccosq, true, true},
-};
-
-// Within 2 ulps per part (COMPLEX(4): 0.501) over moderate arguments, where
-// the extended reference is good to a few units of 2^-64.
-TEST(ComplexSinCos, PartsFollowTheFormula) {
-    for (const Member& m : kMembers) {
-        std::uint64_t s = 99;
-        double worst8 = 0, worst4 = 0;
-        for (int i = 0; i < 4000; ++i) {
-            const double x = uniform(s, -9, 9), y = uniform(s, -30, 30);
-            const mivor_complex8 r = call(m.f8, x, y);
-            const Exact e = formula(m.cosine, m.quadrants, x, y);
-            worst8 = std::max({worst8, ulp_error(r.re, e.re), ulp_error(r.im, e.im)});
-            const float xf = static_cast<float>(x), yf = static_cast<float>(y);
-            const mivor_complex4 q = call(m.f4, xf, yf);
-            const Exact ef = formula(m.cosine, m.quadrants, xf, yf);
-            worst4 = std::max({worst4, ulp_error(q.re, ef.re), ulp_error(q.im, ef.im)});
-        }
-        EXPECT_LE(worst8, 2.0) << m.name;
-        EXPECT_LE(worst4, 0.501) << m.name;
-    }
 }
 
 // cosh y beyond the largest double times a tiny sin x: the finite product.
