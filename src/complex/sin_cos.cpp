@@ -9,20 +9,25 @@
 // Method: one reduction of x gives sin x and cos x, one exponential gives
 // cosh |y| and sinh |y|, and each part is one product, rounded once.
 //   sin x, cos x   radians: g_dscn (the pair of g_dsin and g_dcos, one
-//                  reduction, within 0.6 ulp each); quadrants: the exact
-//                  reduction of g_dsinq (|x| = k + r, |r| <= 1/2, exact
-//                  zeros and ones at every multiple of a quadrant) and its
-//                  series evaluated in extended precision (units.h), within
-//                  the fit's 2.4e-17.
+//                  reduction, within 0.6 ulp each away from the zeros);
+//                  next to a multiple of pi/2 below 1.05e8, where g_dscn's
+//                  reduction leaves the small one of the two up to 3 ulps
+//                  off, that one again from a reduction with pi/2 to 2^-187
+//                  (near_multiple below).  Quadrants: the exact reduction
+//                  of g_dsinq (|x| = k + r, |r| <= 1/2, exact zeros and
+//                  ones at every multiple of a quadrant) and its series
+//                  evaluated in extended precision (units.h), within the
+//                  fit's 2.4e-17.
 //   cosh, sinh     a = |y| (quadrants: |y| pi/2, Dekker's product with the
-//                  double-double pi/2, or for a < 1 the extended product
-//                  with pi/2 to 64 bits): below 1 the fitted series of
-//                  g_dcosh and g_dsinh in extended precision (fits within
-//                  3.2e-17 and 7.3e-18 relative); from 1 on E = e^a/2 from
-//                  the exponential of g_dsch (hyperbolic_kernel.h) as
-//                  (hi + lo) 2^m within 2^-62, taken to extended precision,
-//                  cosh = E + 1/(4E) and sinh = E - 1/(4E) while 2^m is
-//                  small, E alone beyond (1/(4E^2) is below 2^-78 there).
+//                  double-double pi/2, or below 1/2 the extended product
+//                  with pi/2 to 64 bits): below 1/2 the fitted series of
+//                  g_dcosh and g_dsinh in extended precision (within
+//                  1.7e-17 and 3.4e-18 relative there); from 1/2 on
+//                  E = e^a/2 from the exponential of g_dsch
+//                  (hyperbolic_kernel.h) as (hi + lo) 2^m within 2^-62,
+//                  taken to extended precision, cosh = E + 1/(4E) and
+//                  sinh = E - 1/(4E) (cancelling by 1.6 at most) while 2^m
+//                  is small, E alone beyond (1/(4E^2) below 2^-78 there).
 //   the product    in extended precision, whose exponent range holds every
 //                  product of a part with 2^m: a cosh y far beyond the
 //                  largest double times a tiny sin x is still the finite
@@ -30,20 +35,20 @@
 //                  computes the same in double and extended and rounds each
 //                  part once, to float.
 //
-// Accuracy, per part (e = 2^-53; the product rounds to 64 bits, 2^-64,
-// then once to the kind):
-//   COMPLEX(8) radians: sin x or cos x within 0.6 ulp of itself, which is
-//     up to 1.2 ulp of a product whose significand is larger; cosh or sinh
-//     within 2^-62 (the series' fit: 0.15 ulp of cosh for |y| < 1, 0.03 of
-//     sinh); with the final rounding at most 0.5 + 1.2 + 0.3 + 0.01 = 2.0
-//     ulp, measured 1.3 (mivor accuracy g_cdsin, g_cdcos: README);
+// Accuracy, per part (the product rounds to 64 bits, then once to the
+// kind; a relative error d of a factor is up to 2 d / 2^-53 ulps of a
+// product whose significand is larger than the factor's):
+//   COMPLEX(8) radians: sin x or cos x within 0.6 ulp of itself (1.2 ulp of
+//     the product), cosh or sinh within 1.7e-17 (0.15 ulp), the rest below
+//     0.01: at most 0.5 + 1.2 + 0.15 + 0.01 = 1.86 ulp; next to multiples
+//     of pi/2 beyond 1.05e8 the error of g_dscn's reduction there on top.
+//     Measured 1.45 (mivor accuracy g_cdsin g_cdcos, README; glibc's csin
+//     and ccos reach 2.5 on the same arguments);
 //   COMPLEX(8) quadrants: the series in extended within 2.4e-17 (0.22 ulp
-//     of the product), the rest as above: at most 1.05 ulp, measured 0.9;
+//     of the product), the rest as above: at most 0.9 ulp, measured 0.7;
 //   COMPLEX(4): within 0.5 ulp of float plus 2^-28 of an ulp, except where
 //     the double rounding meets a half-way point (measured 0.5).
-// No part is a difference: only the reduction of x can cancel, and it is
-// the real functions' (absolute error below 2^-105 next to a multiple of
-// pi/2 in radians, exact in quadrants).
+// No part is a difference: only the reduction of x can cancel.
 //
 // Reports (direct form).  Each pair shares one path and both members
 // report both numbers:
@@ -184,12 +189,50 @@ struct SinCos {
     long double s, c;
 };
 
+// Next to a multiple k pi/2 (k >= 1) one of sin x, cos x is +-sin r with
+// r = |x| - k pi/2 tiny, and the reduction of g_dscn, good to 2^-105
+// absolute, leaves it a few ulps off (3 at the doubles nearest k pi/2).
+// For |x| < 1.05e8 (k < 2^26) r is formed again with pi/2 in five pieces:
+// k HPA, k HPB, k HPD1 are exact, so is (a - k HPA) - k HPB (trig_reduce.h),
+// the next two terms are carried by two_sum and Dekker's product, and
+// pi/2 - HPA - HPB - HPD1 - HPD2 - HPD3 is below 2^-187: r = rh + rl within
+// 2^-150 + 2^-106 |r|.  The smallest |r| of a double below 1.05e8 is above
+// 2^-62, so the small factor sin r = rh + (rl - rh^3/6) (|r| < 2^-25: the
+// next term is 2^-107 of it) is then within 2^-80, where the other factor,
+// cos r, is within 0.5 ulp as g_dscn gives it.
+inline constexpr double HPD3 = -0x1.bf6c7ddd660cep-133;
+inline constexpr double kSmallFactor = 0x1p-26;
+
+[[gnu::cold, gnu::noinline]] SinCos near_multiple(ExtendedPrecision& scope, double x, SinCos sc) {
+    using namespace trig;
+    const double a = magnitude(x);
+    const double sb = a * RHP + BG;
+    const double kd = sb - BG;
+    const std::uint32_t k = low32(sb);
+    const double p = (a - kd * HPA) - kd * HPB;
+    double h, e1, ph, pl, h2, e2, rh, rl;
+    two_sum(p, -(kd * HPD1), h, e1);
+    two_product(kd, HPD2, ph, pl);
+    two_sum(h, -ph, h2, e2);
+    two_sum(h2, ((e1 + e2) - pl) - kd * HPD3, rh, rl);
+    if (!(magnitude(rh) < 2 * kSmallFactor)) return sc;  // not so near after all
+    const long double sr = scope.pin(rh) + (rl - (rh * rh * rh) / 6);
+    // sin a = [sin r, cos r, -sin r, -cos r][k mod 4], cos a = sin of a quadrant on.
+    if (k & 1) sc.c = (k & 2) ? sr : -sr;
+    else sc.s = ((k & 2) != 0) != __builtin_signbit(x) ? -sr : sr;
+    return sc;
+}
+
 template <Unit unit>
 inline SinCos sin_cos(ExtendedPrecision& scope, double x) {
     if constexpr (unit == Unit::radians) {
         mivor_complex8 sc;
         g_dscn(&sc, &x);
-        return {scope.pin(sc.re), scope.pin(sc.im)};
+        const SinCos v{scope.pin(sc.re), scope.pin(sc.im)};
+        const double small = trig::magnitude(sc.re) < trig::magnitude(sc.im) ? sc.re : sc.im;
+        if (trig::magnitude(small) < kSmallFactor && trig::magnitude(x) >= 1.0 && trig::magnitude(x) < trig::XBIG)
+            return near_multiple(scope, x, v);
+        return v;
     } else {
         const double a = trig::magnitude(x);
         const units::Reduced rd = units::reduce_quadrants(a);
