@@ -84,7 +84,6 @@
 // infinite or NaN cosh or sinh gives that zero (sin(+0 + i Inf) = +0 + i
 // Inf, cos(+0 + i Inf) = +Inf - i0, sin(+0 + i NaN) = +0 + i NaN).
 #include <cstdint>
-#include <cstring>
 
 #include "elementary/hyperbolic_kernel.h"
 #include "elementary/trig_reduce.h"
@@ -128,16 +127,15 @@ struct Kind<double> {
     static double round(long double v) { return ExtendedPrecision::to_double(v); }
 };
 
-// 2^n in extended precision, |n| < 16000, from its bits: the extended
-// format keeps the leading one, so the significand is 2^63.
-inline long double power_of_two(int n) {
-    struct {
-        std::uint64_t significand;
-        std::uint16_t exponent;
-    } bits{std::uint64_t{1} << 63, static_cast<std::uint16_t>(n + 16383)};
-    long double v = 0.0L;
-    std::memcpy(&v, &bits, 10);
-    return v;
+// v 2^m in extended precision, 0 <= m < 2200 (exact: the extended
+// exponent range holds every such product), by factors of 2^1000 and a
+// double power of two.
+inline long double scaled(long double v, int m) {
+    while (m > 1000) {
+        v *= 0x1p1000L;
+        m -= 1000;
+    }
+    return v * hyp::power_of_two(m);
 }
 
 // cosh a and sinh a as (c, s) 2^m, a = |y| or |y| pi/2.  An infinite or NaN
@@ -155,9 +153,13 @@ inline Hyperbolic from_exponential(ExtendedPrecision& scope, double ah, double a
         return {a, a, 0};
     }
     const hyp::HalfExp E = hyp::exp_half<false>(ah, al);
-    const long double v = scope.pin(E.hi) + E.lo;
-    if (E.e >= kScaleInline) return {v, v, E.e};
-    const long double ev = v * power_of_two(E.e);
+    if (E.e >= kScaleInline) {
+        const long double v = scope.pin(E.hi) + E.lo;
+        return {v, v, E.e};
+    }
+    // 2^m scales hi and lo exactly in double (-2 <= m < 64).
+    const double scale = hyp::power_of_two(E.e);
+    const long double ev = scope.pin(E.hi * scale) + E.lo * scale;
     const long double f = 0.25L / ev;
     return {ev + f, ev - f, 0};
 }
@@ -253,7 +255,7 @@ inline SinCos sin_cos(ExtendedPrecision& scope, double x) {
 inline long double times(long double f, long double h, int m) {
     if (f == 0.0L) return __builtin_signbitl(h) ? -f : f;
     const long double p = f * h;
-    return m == 0 ? p : p * power_of_two(m);
+    return m == 0 ? p : scaled(p, m);
 }
 
 template <class K>
@@ -262,9 +264,17 @@ struct Parts {
     bool infinite;  // a part overflowed, or y is infinite
 };
 
-// The formula on factors (fs, fc) = (sin x, cos x), rounded to K.
+// The formula on factors (fs, fc) = (sin x, cos x), rounded to K.  A NaN
+// y gives itself, quieted, in each part whose factor is not zero: taken
+// as it stands rather than through products, whose NaN sign the compiler
+// may move with a negation, so that every flavour gives the same bits.
 template <Unit unit, bool cosine, class K>
-inline Parts<K> formula(ExtendedPrecision& scope, long double fs, long double fc, double y) {
+inline Parts<K> formula(ExtendedPrecision& scope, long double fs, long double fc, K y) {
+    if (y != y) {
+        const K q = y + y;
+        const long double fre = cosine ? fc : fs, fim = cosine ? -fs : fc;
+        return {fre == 0.0L ? Kind<K>::round(fre) : q, fim == 0.0L ? Kind<K>::round(fim) : q, false};
+    }
     const Hyperbolic h = hyperbolic<unit>(scope, y);
     const long double sh = __builtin_signbit(y) ? -h.s : h.s;
     long double re, im;
@@ -330,15 +340,15 @@ template <Unit unit, bool cosine, class K>
 report::Step<typename Kind<K>::Complex, K, K> pass(K x, K y) {
     using E = Errors<unit, cosine, K>;
     using C = typename Kind<K>::Complex;
-    const double xd = x, yd = y;
+    const double xd = x;
     ExtendedPrecision scope;
     if (!accepted<unit>(xd)) {
-        const Parts<K> p = formula<unit, cosine, K>(scope, kSubstitute, kSubstitute, yd);
+        const Parts<K> p = formula<unit, cosine, K>(scope, kSubstitute, kSubstitute, y);
         return report::fail(E::range, refused_ieee<cosine, K>(y), make<K>(finite(p.re), finite(p.im)))
             .described(report::Describe::first);
     }
     const SinCos sc = sin_cos<unit>(scope, xd);
-    const Parts<K> p = formula<unit, cosine, K>(scope, sc.s, sc.c, yd);
+    const Parts<K> p = formula<unit, cosine, K>(scope, sc.s, sc.c, y);
     if (!p.infinite) return C{p.re, p.im};
     return report::fail(E::overflow, make<K>(p.re, p.im), make<K>(finite(p.re), finite(p.im)))
         .described(report::Describe::second);
