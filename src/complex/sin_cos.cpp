@@ -251,7 +251,7 @@ inline SinCos sin_cos(ExtendedPrecision& scope, double x) {
 }
 
 // f h 2^m; a zero factor gives its zero, with the sign of the product, even
-// next to an infinite or NaN h.
+// next to an infinite h.
 inline long double times(long double f, long double h, int m) {
     if (f == 0.0L) return __builtin_signbitl(h) ? -f : f;
     const long double p = f * h;
@@ -310,6 +310,8 @@ typename Kind<K>::Complex refused_ieee(K y) {
     return make<K>(nan, nan);
 }
 
+// errors.h names each pair's two numbers after its members; both members
+// report both: the first for a refused x, the second for an overflow.
 template <Unit unit, bool cosine, class K>
 struct Errors;
 template <bool cosine>
