@@ -337,21 +337,26 @@ inline bool accepted(double x) {
     return trig::magnitude(x) < __builtin_inf();
 }
 
+// The parts for an accepted x.
+template <Unit unit, bool cosine, class K>
+inline Parts<K> parts(K x, K y) {
+    ExtendedPrecision scope;
+    const SinCos sc = sin_cos<unit>(scope, x);
+    return formula<unit, cosine, K>(scope, sc.s, sc.c, y);
+}
+
 // One pass over (x, y): the result, or the failure that decides.
 template <Unit unit, bool cosine, class K>
 report::Step<typename Kind<K>::Complex, K, K> pass(K x, K y) {
     using E = Errors<unit, cosine, K>;
-    using C = typename Kind<K>::Complex;
-    const double xd = x;
-    ExtendedPrecision scope;
-    if (!accepted<unit>(xd)) {
+    if (!accepted<unit>(x)) {
+        ExtendedPrecision scope;
         const Parts<K> p = formula<unit, cosine, K>(scope, kSubstitute, kSubstitute, y);
         return report::fail(E::range, refused_ieee<cosine, K>(y), make<K>(finite(p.re), finite(p.im)))
             .described(report::Describe::first);
     }
-    const SinCos sc = sin_cos<unit>(scope, xd);
-    const Parts<K> p = formula<unit, cosine, K>(scope, sc.s, sc.c, y);
-    if (!p.infinite) return C{p.re, p.im};
+    const Parts<K> p = parts<unit, cosine, K>(x, y);
+    if (!p.infinite) return make<K>(p.re, p.im);
     return report::fail(E::overflow, make<K>(p.re, p.im), make<K>(finite(p.re), finite(p.im)))
         .described(report::Describe::second);
 }
@@ -361,13 +366,19 @@ template <Unit unit, bool cosine, class K>
     return report::settle<report::Form::direct>(pass<unit, cosine, K>, x, y);
 }
 
-// The hot path: a finished pass needs no report; the rest runs it again
-// under `settle`.
+// The hot path computes the parts of an accepted x directly; a refused x
+// or an infinite part runs the pass again under `settle`.
 template <Unit unit, bool cosine, class K>
 inline typename Kind<K>::Complex* evaluate(typename Kind<K>::Complex* result, const typename Kind<K>::Complex* z) {
     const K x = z->re, y = z->im;
-    const auto step = pass<unit, cosine, K>(x, y);
-    *result = step.finished() ? step.value() : reported<unit, cosine, K>(x, y);
+    if (accepted<unit>(x)) {
+        const Parts<K> p = parts<unit, cosine, K>(x, y);
+        if (!p.infinite) {
+            *result = make<K>(p.re, p.im);
+            return result;
+        }
+    }
+    *result = reported<unit, cosine, K>(x, y);
     return result;
 }
 
