@@ -4,22 +4,21 @@
 // Method of x**y: e^(y ln x) with the kernels of the REAL(16) elementary
 // functions (quadfunc/kernels.h), in the working format's fixed point.
 // ln x comes as a 192-bit significand with a scale (log_parts below):
-//   * away from 1 from the logarithm's S.176 sum, within 2^-139.2
-//     absolute, and |ln x| >= 2^-8.6 there: 2^-130.6 relative at worst,
-//     2^-139.2 / |ln x| in general;
+//   * away from 1 from the logarithm's S.176 sum, within 2^-142.1
+//     absolute, and |ln x| >= 2^-8.6 there: 2^-133.5 relative at worst,
+//     2^-142.1 / |ln x| in general;
 //   * within 2^-8 of 1 as z + tail, z = x - 1 exact and |tail| < 2^-9 |z|
 //     within 2^-126.4 relative: 2^-135.4 relative.
 // y ln x is then formed exactly from y's 113 bits and those 192 bits and
 // rounded once to S.176 (2^-177), which keeps the error of ln x alone:
 // an absolute error d of E = y ln x is a relative error d of e^E, and
 // |E| < 11357 = 2^13.47 for every result in range, so d is at most
-// 2^13.47 2^-130.6 = 2^-117.1 where ln x lies next to 2^-8.6 (x near
-// 0.997 or 1.003 with |y| near 2^22), 2^-121.9 next to 1, and far less
-// for the bases of ordinary size (|ln x| >= 1/2: 2^-124.7).  e^E in the
-// working format adds 2^-126.9 (quadfunc/exp.cpp) and the rounding to
-// REAL(16) half a unit: at most 0.5 + 2^-4 ulp in the worst corner,
-// 0.5 + 2^-11 for |ln x| >= 1/2.  Measured: `mivor accuracy g_aqxq`
-// (see README).
+// 2^13.47 2^-133.5 = 2^-120 where ln x lies next to 2^-8.6 (x near 0.997
+// or 1.003 with |y| near 2^22), 2^-121.9 next to 1, and far less for the
+// bases of ordinary size (|ln x| >= 1/2: 2^-127.6).  e^E in the working
+// format adds 2^-126.9 (quadfunc/exp.cpp) and the rounding to REAL(16)
+// half a unit: at most 0.5 + 2^-6.9 ulp in the worst corner, 0.5 + 2^-13
+// for |ln x| >= 1/2.  Measured: `mivor accuracy g_aqxq` (see README).
 //
 // Exact results come out exact, ties included: for an integral y in
 // 1..114 and x = m 2^k (m odd), m^y is formed exactly while it has at
