@@ -259,21 +259,6 @@ Pass power_pass(Real16 x, Real16 y) {
 
 // ---- 2**y, 10**y ---------------------------------------------------------------
 
-// 10^n for an integer 0 <= n <= 55 (5^n < 2^128), exactly.
-Wide exact_power_of_ten(std::uint32_t n) {
-    U128 p{0, 1};
-    for (std::uint32_t i = 0; i < n; ++i) p = add(shl(p, 2), p);
-    return scaled(from_fixed(p, 0), static_cast<std::int32_t>(n));
-}
-
-// y an integer 0 <= y <= 55: its value, else -1.
-int small_integer(const Wide& y) {
-    if (y.neg || y.e < 1 || y.e > 6) return -1;
-    if (!is_zero(shl(y.m, y.e))) return -1;  // fraction bits
-    const auto v = static_cast<int>(y.m.hi >> (64 - y.e));
-    return v <= 55 ? v : -1;
-}
-
 template <bool ten>
 Pass base_pass(Real16 /*the constant base*/, Real16 y) {
     switch (kind_of(y)) {
@@ -290,14 +275,7 @@ Pass base_pass(Real16 /*the constant base*/, Real16 y) {
         if (w.neg) return kZeroQ;
         return report::fail(Error::power_overflow_r16, _Inf_Q, kHuge_Q);
     }
-    Wide p;
-    if constexpr (ten) {
-        const int n = small_integer(w);
-        p = n >= 0 ? exact_power_of_ten(static_cast<std::uint32_t>(n)) : exp10_kernel(w);
-    } else {
-        p = exp2_kernel(w);
-    }
-    const Rounded r = round_to_real16(p);
+    const Rounded r = round_to_real16(ten ? exp10_exact_integers(w) : exp2_kernel(w));
     if (r.overflow) return report::fail(Error::power_overflow_r16, _Inf_Q, kHuge_Q);
     return r.value;
 }

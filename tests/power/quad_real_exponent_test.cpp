@@ -1,8 +1,8 @@
 // REAL(16) raised to a REAL(16) power, and two and ten raised to a
 // REAL(16) power: exact powers and ties, correctly rounded values at known
 // points (600-bit arithmetic), the special operands, the signs of negative
-// bases, both ends of the range and every report with its retry and both
-// fallbacks.
+// bases, both ends of the range, and what every report describes, with a
+// retry.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -29,18 +29,15 @@ TEST(QuadRealPower, ExactPowersAndTies) {
         }
     }
     EXPECT_Q(pw(4.0, 0.5), qd(2.0));
-    EXPECT_Q(pw(4.0, -0.5), qd(0.5));
     EXPECT_Q(pw(0.25, 1.5), qd(0.125));
-    EXPECT_Q(pw(3.0, 2.0), qd(9.0));
     EXPECT_Q(pw(-3.0, 41.0), q(0xC03FFA2A, 0x1CF67B5F, 0xB8630000, 0x00000000));
     // x**1 is x, x**2 the correctly rounded square, x**3 exact when short.
-    const mivor_real16 x = q(0x40003243, 0xF6A8885A, 0x308D3131, 0x98A2E037), x3 = qd(1.0 + 0x1p-30);
+    const mivor_real16 x = q(0x40003243, 0xF6A8885A, 0x308D3131, 0x98A2E037);
     mivor_real16 sq;
     g_aqmq(&sq, &x, &x);
-    EXPECT_Q(pw(x, kOne), x);
     EXPECT_Q(pw(neg(x), kOne), neg(x));
     EXPECT_Q(pw(x, qd(2.0)), sq);
-    EXPECT_Q(pw(x3, qd(3.0)), q(0x3FFF0000, 0x000C0000, 0x00300000, 0x00400000));
+    EXPECT_Q(pw(qd(1.0 + 0x1p-30), qd(3.0)), q(0x3FFF0000, 0x000C0000, 0x00300000, 0x00400000));
     // 5^49 has 114 bits: 78125**7 lies halfway between two numbers and
     // goes to the even one, as 10**49 does.
     EXPECT_Q(pw(78125.0, 7.0), q(0x4070B5E7, 0xE08CA3A8, 0xF6987819, 0xBAECBE22));
@@ -56,18 +53,12 @@ TEST(QuadRealPower, ExactPowersAndTies) {
 TEST(QuadRealPower, CorrectlyRoundedAtKnownPoints) {
     EXPECT_Q(pw(1.5, 100.25), q(0x40398F9F, 0x20247E3A, 0x3710E403, 0xB3A8D032));
     EXPECT_Q(pw(0.75, -1000.5), q(0x419E2F63, 0x35DC236D, 0xEDE4CAA3, 0x0E3E61C1));
-    EXPECT_Q(pw(10.0, 0.5), q(0x400094C5, 0x83ADA5B5, 0x29204A2B, 0xC830CD9C));
-    EXPECT_Q(pw(3.0, -40.0), q(0x3FBF846D, 0x550E37B5, 0x063DF43B, 0xE64E07E7));
     EXPECT_Q(pw(7.0, 1e-30), q(0x3FFF0000, 0x00000000, 0x00000000, 0x00002778));
     // x next to 1 with a large y: log x carries the whole result.
     EXPECT_Q(pw(1.0 + 0x1p-40, 0x1p50), q(0x45C43F82, 0xD20BF614, 0x760BDA02, 0x60FCB6F5));
     EXPECT_Q(pw(1.003, 3000000.5), q(0x72A3C3F2, 0x8935583E, 0xB421637D, 0xA5DCBFC6));
     EXPECT_Q(pw(0.997, -3000000.5), q(0x72CAB572, 0x022F4FFA, 0x8F121A41, 0x4ED19BCC));
-    EXPECT_Q(two(qd(0.1)), q(0x3FFF125F, 0xBEE25066, 0x42AEBCE4, 0x647D6637));
-    EXPECT_Q(two(qd(1000.1)), q(0x43E7125F, 0xBEE2506B, 0x038C25D7, 0x772B87B2));
     EXPECT_Q(two(qd(-16000.5)), q(0x017E6A09, 0xE667F3BC, 0xC908B2FB, 0x1366EA95));
-    EXPECT_Q(ten(qd(-0.1)), q(0x3FFE96B2, 0x30BCDC43, 0x40456BD3, 0xEFDFF859));
-    EXPECT_Q(ten(qd(4000.3)), q(0x73E7A276, 0xA7E27D1E, 0x4EB9E8F1, 0x2E308A12));
     EXPECT_Q(ten(qd(-4900.7)), q(0x00672B9E, 0x77E6F6EB, 0xA3C31024, 0x47C5C422));
 }
 
@@ -111,46 +102,38 @@ TEST(QuadRealPower, ParityOfLargeIntegralExponents) {
     EXPECT_EQ(handler.numbers(), std::vector<std::int32_t>{271});
 }
 
-TEST(QuadRealPower, ZeroToANegativePowerDescribesTheExponent) {
+// The fallbacks themselves are checked by the report cases
+// (tests/exports/report_cases.tab); here what each report describes, the
+// restart with |x| and a retry.
+TEST(QuadRealPower, ReportsDescribeTheirOperands) {
     RecordingHandler handler;
-    jwe_lca.ieee_results = 1;
-    EXPECT_Q(pw(kMZero, qd(-2.5)), kInfQ);
     jwe_lca.ieee_results = 0;
-    EXPECT_Q(pw(kZero, kMInfQ), kHugeQ);
-    ASSERT_EQ(handler.reports().size(), 2u);
-    expect_report(handler.reports()[0], 270, qd(-2.5));
-    // A retry with a corrected base starts again from the first test.
-    handler.clear();
-    handler.decide(correct_to(qd(4.0)));
-    EXPECT_Q(pw(kZero, qd(-0.5)), qd(0.5));
-    EXPECT_EQ(handler.numbers(), std::vector<std::int32_t>{270});
-}
-
-TEST(QuadRealPower, NegativeBaseAndOverflowDescribeBothOperands) {
-    RecordingHandler handler;
+    EXPECT_Q(pw(kMZero, qd(-2.5)), kHugeQ);     // 270: the exponent alone
+    EXPECT_Q(pw(qd(-4.0), qd(0.5)), qd(2.0));   // 271: goes on with |x|
+    EXPECT_Q(pw(qd(-10.0), qd(4933)), kHugeQ);  // 272: not negative
     jwe_lca.ieee_results = 1;
-    EXPECT_TRUE(is_nan(pw(qd(-4.0), qd(0.5))));
-    jwe_lca.ieee_results = 0;
-    EXPECT_Q(pw(qd(-4.0), qd(0.5)), qd(2.0));  // goes on with |x|
-    jwe_lca.ieee_results = 1;
-    EXPECT_Q(pw(qd(-10.0), qd(4933)), kInfQ);  // the sign is not kept
-    jwe_lca.ieee_results = 0;
-    EXPECT_Q(pw(qd(1.5), kInfQ), kHugeQ);
-    EXPECT_Q(pw(kInfQ, qd(0.5)), kHugeQ);
+    EXPECT_Q(pw(qd(1.5), kInfQ), kInfQ);
+    EXPECT_Q(pw(kInfQ, qd(0.5)), kInfQ);
     const std::vector<Report>& r = handler.reports();
-    ASSERT_EQ(r.size(), 5u);
-    EXPECT_EQ(handler.numbers(), (std::vector<std::int32_t>{271, 271, 272, 272, 272}));
-    for (std::size_t i : {0u, 2u}) {
+    ASSERT_EQ(handler.numbers(), (std::vector<std::int32_t>{270, 271, 272, 272, 272}));
+    expect_report(r[0], 270, qd(-2.5));
+    for (std::size_t i : {1u, 2u}) {
         EXPECT_EQ(r[i].count, 2u);
         EXPECT_EQ(r[i].type1, MIVOR_TYPE_REAL16);
         EXPECT_EQ(r[i].type2, MIVOR_TYPE_REAL16);
     }
     EXPECT_Q(r[2].shown1<mivor_real16>(), qd(-10.0));
     EXPECT_Q(r[2].shown2<mivor_real16>(), qd(4933));
-    // The largest result below HUGE is not refused.
+    // A retry with a corrected base starts again from the first test.
     handler.clear();
-    EXPECT_EQ(two(q(0x400CFFFF, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF)).w[3] >> 16, 0x7FFEu);
-    EXPECT_EQ(pw(qd(2.0), q(0x400CFFFF, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF)).w[3] >> 16, 0x7FFEu);
+    handler.decide(correct_to(qd(4.0)));
+    EXPECT_Q(pw(kZero, qd(-0.5)), qd(0.5));
+    EXPECT_EQ(handler.numbers(), std::vector<std::int32_t>{270});
+    // The largest results below HUGE are not refused.
+    handler.clear();
+    const mivor_real16 below = q(0x400CFFFF, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF);
+    EXPECT_EQ(two(below).w[3] >> 16, 0x7FFEu);
+    EXPECT_EQ(pw(qd(2.0), below).w[3] >> 16, 0x7FFEu);
     EXPECT_TRUE(handler.reports().empty());
 }
 
@@ -163,9 +146,7 @@ TEST(QuadRealPower, TwoAndTenReportTheirConstantBaseAndKeepItOnRetry) {
         RecordingHandler handler;
         jwe_lca.ieee_results = 1;
         EXPECT_Q(call(c.f, c.over), kInfQ);
-        jwe_lca.ieee_results = 0;
-        EXPECT_Q(call(c.f, kInfQ), kHugeQ);
-        ASSERT_EQ(handler.reports().size(), 2u);
+        ASSERT_EQ(handler.reports().size(), 1u);
         const Report& r = handler.reports()[0];
         EXPECT_EQ(r.number, 272);
         EXPECT_EQ(r.count, 2u);
@@ -193,10 +174,6 @@ TEST(QuadRealPower, ResultMayShareAnOperand) {
     EXPECT_Q(y, expected);
     EXPECT_EQ(g_aqxq(&x, &x, &expected), &x);
     EXPECT_Q(x, pw(qd(1.375), expected));
-    mivor_real16 z = qd(0.3);
-    const mivor_real16 tz = ten(z);
-    EXPECT_EQ(g_atxq(&z, &z), &z);
-    EXPECT_Q(z, tz);
 }
 
 }  // namespace
