@@ -497,8 +497,9 @@ struct MatrixArena {
     alignas(64) unsigned char data[kArenaData];
     alignas(64) unsigned char pointers[kArenaPointers];
     // Every byte of `data` from here on holds the guard pattern: the
-    // generator's writes beyond a case are put back at once, and an
-    // export's writes are looked for up to here.
+    // generator's writes outside a case are put back at once, and this
+    // mark covers the bytes checked after each call (an export's write
+    // beyond those would be a finding under ASan, which poisons them).
     std::size_t dirty = 0;
     MatrixArena() { std::memset(data, kGuardByte, sizeof data); }
 };
