@@ -62,6 +62,8 @@ namespace mivor::elementary {
 namespace {
 
 using units::Reduced;
+using units::cos_quadrants;
+using units::sin_quadrants;
 
 inline constexpr double kSubstitute = 0x1.6a09e667f3bcdp-1;  // 0.7071067811865476
 
@@ -72,14 +74,6 @@ inline constexpr double p1 = -8.860961557012952e-07, p2 = 1.3496016231610962e-11
 inline constexpr double q1 = -0.00015230870989335428, q2 = 3.866323851562971e-09, q3 = -3.925831985734635e-14,
                         q4 = 2.135494301985906e-19, q5 = -7.227873495986066e-25, q6 = 1.6678863124226153e-30,
                         q7 = -2.7628686762104072e-36;
-// Quadrants.
-inline constexpr double a0 = -0.4292036732051034;  // pi/2 - 2
-inline constexpr double a1 = -0.6459640975062443, a2 = 0.07969262624603957, a3 = -0.004681754132282516,
-                        a4 = 0.00016044115029217513, a5 = -3.5986417556400512e-06, a6 = 5.6337210964493664e-08;
-inline constexpr double b1 = -1.2337005501361697, b2 = 0.2536695079010466, b3 = -0.020863480763308,
-                        b4 = 0.0009192602741467699, b5 = -2.5202036558203225e-05, b6 = 4.7106035811466514e-07,
-                        b7 = -6.320557322797555e-09;
-
 inline double sin_degrees(double r) {
     const double t = r * r;
     return r / 64.0 + r * (p0 + t * (p1 + t * (p2 + t * (p3 + t * (p4 + t * (p5 + t * p6))))));
@@ -88,15 +82,6 @@ inline double cos_degrees(double r) {
     const double t = r * r;
     return 1.0 + t * (q1 + t * (q2 + t * (q3 + t * (q4 + t * (q5 + t * (q6 + t * q7))))));
 }
-inline double sin_quadrants(double r) {
-    const double t = r * r;
-    return 2.0 * r + r * (a0 + t * (a1 + t * (a2 + t * (a3 + t * (a4 + t * (a5 + t * a6))))));
-}
-inline double cos_quadrants(double r) {
-    const double t = r * r;
-    return 1.0 + t * (b1 + t * (b2 + t * (b3 + t * (b4 + t * (b5 + t * (b6 + t * b7))))));
-}
-
 // Degrees.
 template <bool cosine>
 double sin_cos_degrees(double x);

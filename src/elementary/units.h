@@ -89,6 +89,30 @@ inline Reduced reduce_quadrants(double a) {
     return {0.0, 0};                                     // a multiple of 4
 }
 
+// The quadrant series of g_dsinq and g_dcosq on |r| <= 1/2 (see
+// sincos_units.cpp), with the leading product 2 r exact:
+//   sin(r pi/2) = 2 r + r (a0 + t (a1 + ... + t a6)),  cos(r pi/2) = 1 + t (b1 + ... + t b7),
+// t = r^2.  T = double gives the real functions' bits; the complex quadrant
+// forms evaluate the same series in extended precision (long double), where
+// only the fit's error (2.4e-17 relative) remains.
+inline constexpr double a0 = -0.4292036732051034;  // pi/2 - 2
+inline constexpr double a1 = -0.6459640975062443, a2 = 0.07969262624603957, a3 = -0.004681754132282516,
+                        a4 = 0.00016044115029217513, a5 = -3.5986417556400512e-06, a6 = 5.6337210964493664e-08;
+inline constexpr double b1 = -1.2337005501361697, b2 = 0.2536695079010466, b3 = -0.020863480763308,
+                        b4 = 0.0009192602741467699, b5 = -2.5202036558203225e-05, b6 = 4.7106035811466514e-07,
+                        b7 = -6.320557322797555e-09;
+
+template <class T>
+inline T sin_quadrants(T r) {
+    const T t = r * r;
+    return T(2) * r + r * (a0 + t * (a1 + t * (a2 + t * (a3 + t * (a4 + t * (a5 + t * a6))))));
+}
+template <class T>
+inline T cos_quadrants(T r) {
+    const T t = r * r;
+    return T(1) + t * (b1 + t * (b2 + t * (b3 + t * (b4 + t * (b5 + t * (b6 + t * b7))))));
+}
+
 // [s, c, -s, -c][n mod 4] (sin, cos and their negations by the quadrant),
 // without a branch on n: random quadrants would mispredict one half of the
 // time, which costs more than computing both values.  The negation flips

@@ -412,6 +412,79 @@ bool sinh_cosh_quadrants(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
     return false;
 }
 
+// ---- complex sine and cosine -----------------------------------------------------
+
+// sin z = sin x cosh y + i cos x sinh y, cos z = cos x cosh y - i sin x sinh y,
+// each factor 64 bits beyond the result (relative), so that each product is
+// within far less than an ulp before its rounding; quadrant forms take sin
+// and cos of x at unit 4 (exact zeros) and cosh, sinh of y pi/2.
+template <bool cosine, bool quadrants>
+bool complex_sin_cos(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    const mpfr_prec_t p = std::max(mpfr_get_prec(re), mpfr_get_prec(im)) + 64;
+    mpfr_t s, c, sh, ch, y;
+    mpfr_inits2(p, s, c, sh, ch, y, static_cast<mpfr_ptr>(nullptr));
+    if (quadrants) {
+        mpfr_sinu(s, x[0], 4, MPFR_RNDN);
+        mpfr_cosu(c, x[0], 4, MPFR_RNDN);
+        mpfr_set_prec(y, p + 64);
+        mpfr_const_pi(y, MPFR_RNDN);
+        mpfr_mul(y, y, x[1], MPFR_RNDN);
+        mpfr_div_2ui(y, y, 1, MPFR_RNDN);
+    } else {
+        mpfr_sin_cos(s, c, x[0], MPFR_RNDN);
+        mpfr_set_prec(y, mpfr_get_prec(x[1]));
+        mpfr_set(y, x[1], MPFR_RNDN);
+    }
+    mpfr_sinh_cosh(sh, ch, y, MPFR_RNDN);
+    if (cosine) {
+        mpfr_mul(re, c, ch, MPFR_RNDN);
+        mpfr_mul(im, s, sh, MPFR_RNDN);
+        mpfr_neg(im, im, MPFR_RNDN);
+    } else {
+        mpfr_mul(re, s, ch, MPFR_RNDN);
+        mpfr_mul(im, c, sh, MPFR_RNDN);
+    }
+    const bool exact = (mpfr_zero_p(x[0]) || mpfr_zero_p(s) || mpfr_zero_p(c)) && mpfr_zero_p(x[1]);
+    mpfr_clears(s, c, sh, ch, y, static_cast<mpfr_ptr>(nullptr));
+    return exact;
+}
+
+// The real part near multiples of pi/2 (one factor small), the imaginary
+// part near the end of the series (1), where the scale of e^|y|/2 joins
+// e^|y|/2 (44.4), next to overflow, and tiny parts.
+constexpr Range kComplexSinCosHard8[] = {
+    {"x near k pi/2, |k| <= 8", near_multiples(-8, 8, mpfr_const_pi, 0.5), uniform(-20, 20)},
+    {"x near k pi/2, k to 6.7e7", near_multiples(9, 67000000, mpfr_const_pi, 0.5), uniform(-20, 20)},
+    {"x large", log_uniform(1.05e8, 3.5e15, both_signs), uniform(-20, 20)},
+    {"|y| near 1", uniform(-10, 10), bits(0.9, 1.1, both_signs)},
+    {"|y| near 44.4", uniform(-10, 10), bits(40.0, 48.0, both_signs)},
+    {"|y| near overflow", uniform(-10, 10), bits(700.0, kCoshMax8, both_signs)},
+    {"tiny x", log_uniform(0x1p-1074, 0x1p-20, both_signs), uniform(-20, 20)},
+    {"tiny y", uniform(-10, 10), log_uniform(0x1p-1074, 0x1p-20, both_signs)},
+    {"both tiny", log_uniform(0x1p-60, 0x1p-20, both_signs), log_uniform(0x1p-60, 0x1p-20, both_signs)},
+};
+constexpr Range kComplexSinCosQuadrantHard8[] = {
+    {"x near integers, |k| <= 8", near_multiples(-8, 8, nullptr, 1.0), uniform(-12, 12)},
+    {"x integers exactly", near_multiples(-1000000, 1000000, nullptr, 1.0, 0, 0), uniform(-12, 12)},
+    {"x near halves", near_multiples(-1000001, 1000001, nullptr, 0.5), uniform(-12, 12)},
+    {"|y| near 2/pi", uniform(-4, 4), bits(0.6, 0.7, both_signs)},
+    {"|y| near overflow", uniform(-4, 4), bits(445.0, 452.3, both_signs)},
+    {"tiny x", log_uniform(0x1p-1074, 0x1p-20, both_signs), uniform(-12, 12)},
+    {"tiny y", uniform(-4, 4), log_uniform(0x1p-1074, 0x1p-20, both_signs)},
+};
+constexpr Range kComplexSinCosHard4[] = {
+    {"x near k pi/2, |k| <= 8", near_multiples(-8, 8, mpfr_const_pi, 0.5), uniform(-10, 10)},
+    {"x near k pi/2, k to 5e5", near_multiples(9, 520000, mpfr_const_pi, 0.5), uniform(-10, 10)},
+    {"|y| near overflow", uniform(-10, 10), bits(85.0, kCoshMax4, both_signs)},
+    {"tiny parts", log_uniform(0x1p-149, 0x1p-10, both_signs), log_uniform(0x1p-149, 0x1p-10, both_signs)},
+};
+constexpr Range kComplexSinCosQuadrantHard4[] = {
+    {"x near integers", near_multiples(-1048576, 1048576, nullptr, 1.0), uniform(-8, 8)},
+    {"x near halves", near_multiples(-100001, 100001, nullptr, 0.5), uniform(-8, 8)},
+    {"|y| near overflow", uniform(-4, 4), bits(54.0, 56.9, both_signs)},
+    {"tiny parts", log_uniform(0x1p-149, 0x1p-10, both_signs), log_uniform(0x1p-149, 0x1p-10, both_signs)},
+};
+
 // ---- REAL(16) operators and conversions ---------------------------------------
 
 // Both operands within the normal range, results too.
@@ -1178,6 +1251,25 @@ constexpr Reference kReferences[] = {
     {"g_scnsq", sin_cos_quadrants, {interval(-kFmax, kFmax)}, kQuadrantHard4, 0.7072},
     {"g_scnh", sinh_cosh, {interval(-kCoshMax4, kCoshMax4)}, kSinhHard4, 0.7072},
     {"g_scnhq", sinh_cosh_quadrants, {interval(-56.9, 56.9)}, kSinhQuadrantHard4, 0.7072},
+
+    // Complex sine and cosine: one product of the real pairs' kernels per
+    // part (bounds on the norm; the parts' figures are in the README).
+    {"g_cdsin", complex_sin_cos<false, false>, {interval(-3.5e15, 3.5e15), interval(-kCoshMax8, kCoshMax8)},
+     kComplexSinCosHard8, 1.5},
+    {"g_cdcos", complex_sin_cos<true, false>, {interval(-3.5e15, 3.5e15), interval(-kCoshMax8, kCoshMax8)},
+     kComplexSinCosHard8, 1.5},
+    {"g_cdsinq", complex_sin_cos<false, true>, {interval(-kDmax, kDmax), interval(-452.3, 452.3)},
+     kComplexSinCosQuadrantHard8, 1.0},
+    {"g_cdcosq", complex_sin_cos<true, true>, {interval(-kDmax, kDmax), interval(-452.3, 452.3)},
+     kComplexSinCosQuadrantHard8, 1.0},
+    {"g_csin", complex_sin_cos<false, false>, {interval(-3.5e15, 3.5e15), interval(-kCoshMax4, kCoshMax4)},
+     kComplexSinCosHard4, 0.7072},
+    {"g_ccos", complex_sin_cos<true, false>, {interval(-3.5e15, 3.5e15), interval(-kCoshMax4, kCoshMax4)},
+     kComplexSinCosHard4, 0.7072},
+    {"g_csinq", complex_sin_cos<false, true>, {interval(-kFmax, kFmax), interval(-56.9, 56.9)},
+     kComplexSinCosQuadrantHard4, 0.7072},
+    {"g_ccosq", complex_sin_cos<true, true>, {interval(-kFmax, kFmax), interval(-56.9, 56.9)},
+     kComplexSinCosQuadrantHard4, 0.7072},
 
     // REAL(16) operators, the mixed helpers and the conversions: correctly
     // rounded.
