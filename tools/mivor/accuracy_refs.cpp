@@ -575,8 +575,15 @@ constexpr Range kCQSqrtHard[] = {
     {"near the negative axis", uniform(-4, -1), log_uniform(0x1p-100L, 0x1p-10L, both_signs)},
     {"tiny and huge", log_uniform(0x1p-16000L, 0x1p16000L, both_signs), log_uniform(0x1p-16000L, 0x1p16000L, both_signs)},
 };
+// The power of a base near the unit circle (ln|z| cancels) to exponents
+// up to 1000.
+void near_unit_circle_power(Draw& d, const mpfr_ptr* c) {
+    near_unit_circle(d, c);
+    d.axis(2, uniform(-1000, 1000), c[2]);
+    d.axis(3, uniform(-1000, 1000), c[3]);
+}
 constexpr Range kCQPowHard[] = {
-    {"base near the unit circle", near_unit_circle},
+    {"base near the unit circle", near_unit_circle_power},
     {"large exponents", uniform(0.5L, 2.0L), uniform(-2, 2), uniform(-1000, 1000), uniform(-100, 100)},
 };
 
