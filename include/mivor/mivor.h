@@ -259,6 +259,7 @@ MIVOR_API mivor_real16 *g_a2xq(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API float g_atxr(const float *a0);
 MIVOR_API double g_atxd(const double *a0);
 MIVOR_API mivor_real16 *g_atxq(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_complex16 *g_azxz(mivor_complex16 *result, const mivor_complex16 *a0, const mivor_complex16 *a1);
 
 /* complex */
 MIVOR_API mivor_complex4 *g_acmc(mivor_complex4 *result, const mivor_complex4 *a0, const mivor_complex4 *a1);
@@ -267,14 +268,22 @@ MIVOR_API mivor_complex8 *g_axmx(mivor_complex8 *result, const mivor_complex8 *a
 MIVOR_API mivor_complex8 *g_axdx(mivor_complex8 *result, const mivor_complex8 *a0, const mivor_complex8 *a1);
 MIVOR_API mivor_complex16 *g_azmz(mivor_complex16 *result, const mivor_complex16 *a0, const mivor_complex16 *a1);
 MIVOR_API mivor_complex16 *g_azdz(mivor_complex16 *result, const mivor_complex16 *a0, const mivor_complex16 *a1);
+MIVOR_API mivor_real16 *g_cqabs(mivor_real16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_complex16 *g_cqsqrt(mivor_complex16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_complex16 *g_cqexp(mivor_complex16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_complex16 *g_cqlog(mivor_complex16 *result, const mivor_complex16 *a0);
 MIVOR_API mivor_complex4 *g_csin(mivor_complex4 *result, const mivor_complex4 *a0);
 MIVOR_API mivor_complex4 *g_ccos(mivor_complex4 *result, const mivor_complex4 *a0);
 MIVOR_API mivor_complex8 *g_cdsin(mivor_complex8 *result, const mivor_complex8 *a0);
 MIVOR_API mivor_complex8 *g_cdcos(mivor_complex8 *result, const mivor_complex8 *a0);
+MIVOR_API mivor_complex16 *g_cqsin(mivor_complex16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_complex16 *g_cqcos(mivor_complex16 *result, const mivor_complex16 *a0);
 MIVOR_API mivor_complex4 *g_csinq(mivor_complex4 *result, const mivor_complex4 *a0);
 MIVOR_API mivor_complex4 *g_ccosq(mivor_complex4 *result, const mivor_complex4 *a0);
 MIVOR_API mivor_complex8 *g_cdsinq(mivor_complex8 *result, const mivor_complex8 *a0);
 MIVOR_API mivor_complex8 *g_cdcosq(mivor_complex8 *result, const mivor_complex8 *a0);
+MIVOR_API mivor_complex16 *g_cqsinq(mivor_complex16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_complex16 *g_cqcosq(mivor_complex16 *result, const mivor_complex16 *a0);
 
 /* model */
 MIVOR_API int32_t g_expon(const float *a0);

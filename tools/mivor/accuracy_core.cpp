@@ -301,7 +301,9 @@ std::string check_reference(const Reference& ref, const Layout& l) {
             if (coords != 1 || (l.results.size() != 1 && !l.lanes)) return "a Real1 function needs one real argument and result";
             break;
         case Exact::Shape::real2:
-            if (coords != 2 || l.results.size() != 1 || l.arg_kinds.size() != 2)
+            // Two real arguments, or the parts of one complex argument (the
+            // modulus: mpfr_hypot).
+            if (coords != 2 || l.results.size() != 1)
                 return "a Real2 function needs two real arguments and one real result";
             break;
         case Exact::Shape::complex:

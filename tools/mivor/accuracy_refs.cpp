@@ -485,6 +485,181 @@ constexpr Range kComplexSinCosQuadrantHard4[] = {
     {"tiny parts", log_uniform(0x1p-149, 0x1p-10, both_signs), log_uniform(0x1p-149, 0x1p-10, both_signs)},
 };
 
+// ---- COMPLEX(16) elementary functions and power ----------------------------------
+
+// Working values with W more bits than the result, freed on scope exit.
+struct Work {
+    mpfr_t v[4];
+    explicit Work(mpfr_prec_t p) {
+        for (auto& t : v) mpfr_init2(t, p);
+    }
+    ~Work() {
+        for (auto& t : v) mpfr_clear(t);
+    }
+    mpfr_ptr operator[](int i) { return v[i]; }
+};
+mpfr_prec_t work_prec(mpfr_srcptr r) { return mpfr_get_prec(r) + 128; }
+
+// ln|z| for z != 0 without losing digits near |z| = 1: x^2 + y^2 exactly
+// (twice the parts' precision), its distance from 1 to the working
+// precision (relative), then log1p, halved.
+void log_modulus(mpfr_ptr out, mpfr_srcptr x, mpfr_srcptr y, mpfr_prec_t w) {
+    mpfr_t s, t, m, d;
+    const mpfr_prec_t exact = 2 * (mpfr_get_prec(x) > mpfr_get_prec(y) ? mpfr_get_prec(x) : mpfr_get_prec(y)) + 2;
+    mpfr_inits2(exact, s, t, m, static_cast<mpfr_ptr>(nullptr));
+    mpfr_init2(d, w);
+    mpfr_sqr(s, x, MPFR_RNDN);
+    mpfr_sqr(t, y, MPFR_RNDN);
+    mpfr_set_si(m, -1, MPFR_RNDN);
+    const mpfr_ptr terms[3] = {s, t, m};
+    mpfr_sum(d, terms, 3, MPFR_RNDN);  // x^2 + y^2 - 1 rounded once
+    if (mpfr_cmp_d(d, -0.5) > 0 && mpfr_cmp_d(d, 1.0) < 0) {
+        mpfr_log1p(d, d, MPFR_RNDN);
+    } else {
+        mpfr_add(d, s, t, MPFR_RNDN);
+        mpfr_log(d, d, MPFR_RNDN);
+    }
+    mpfr_div_2ui(out, d, 1, MPFR_RNDN);
+    mpfr_clears(s, t, m, d, static_cast<mpfr_ptr>(nullptr));
+}
+
+bool complex_sqrt(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    Work t(work_prec(re) + 64);
+    // t = sqrt((|x| + |z|)/2); (t, y/2t) for x >= 0, (|y|/2t, +-t) else.
+    mpfr_hypot(t[0], x[0], x[1], MPFR_RNDN);
+    mpfr_abs(t[1], x[0], MPFR_RNDN);
+    mpfr_add(t[0], t[0], t[1], MPFR_RNDN);
+    mpfr_div_2ui(t[0], t[0], 1, MPFR_RNDN);
+    mpfr_sqrt(t[0], t[0], MPFR_RNDN);
+    mpfr_abs(t[2], x[1], MPFR_RNDN);
+    mpfr_div(t[2], t[2], t[0], MPFR_RNDN);
+    mpfr_div_2ui(t[2], t[2], 1, MPFR_RNDN);
+    if (mpfr_signbit(x[0])) mpfr_swap(t[0], t[2]);
+    mpfr_set(re, t[0], MPFR_RNDN);
+    mpfr_set(im, t[2], MPFR_RNDN);
+    mpfr_setsign(im, im, mpfr_signbit(x[1]), MPFR_RNDN);
+    return false;
+}
+
+bool complex_exp(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    Work t(work_prec(re));
+    mpfr_exp(t[0], x[0], MPFR_RNDN);
+    mpfr_sin_cos(t[1], t[2], x[1], MPFR_RNDN);
+    mpfr_mul(re, t[0], t[2], MPFR_RNDN);
+    mpfr_mul(im, t[0], t[1], MPFR_RNDN);
+    return false;
+}
+
+bool complex_log(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    Work t(work_prec(re));
+    log_modulus(t[0], x[0], x[1], work_prec(re));
+    mpfr_set(re, t[0], MPFR_RNDN);
+    mpfr_atan2(im, x[1], x[0], MPFR_RNDN);
+    return false;
+}
+
+// sin z = sin x cosh y + i cos x sinh y, cos z = cos x cosh y - i sin x
+// sinh y; in quadrants with MPFR's exact unit functions for x and y pi/2
+// to 64 bits beyond the working precision and the exponent of y.
+template <bool cosine, bool quadrants>
+bool quad_complex_sin_cos(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    Work t(work_prec(re) + 32);
+    if (quadrants) {
+        mpfr_sinu(t[0], x[0], 4, MPFR_RNDN);
+        mpfr_cosu(t[1], x[0], 4, MPFR_RNDN);
+        mpfr_const_pi(t[2], MPFR_RNDN);
+        mpfr_mul(t[2], t[2], x[1], MPFR_RNDN);
+        mpfr_div_2ui(t[2], t[2], 1, MPFR_RNDN);
+    } else {
+        mpfr_sin_cos(t[0], t[1], x[0], MPFR_RNDN);
+        mpfr_set(t[2], x[1], MPFR_RNDN);
+    }
+    // Below 2^-300, sinh t = t and cosh t = 1 to 2^-600 (MPFR's cosh
+    // would work to the precision of t^2 there, thousands of bits).
+    if (mpfr_zero_p(t[2]) || mpfr_get_exp(t[2]) < -300) mpfr_set_ui(t[3], 1, MPFR_RNDN);
+    else mpfr_sinh_cosh(t[2], t[3], t[2], MPFR_RNDN);
+    if (cosine) {
+        mpfr_mul(re, t[1], t[3], MPFR_RNDN);
+        mpfr_mul(im, t[0], t[2], MPFR_RNDN);
+        mpfr_neg(im, im, MPFR_RNDN);
+    } else {
+        mpfr_mul(re, t[0], t[3], MPFR_RNDN);
+        mpfr_mul(im, t[1], t[2], MPFR_RNDN);
+    }
+    return false;
+}
+
+// z^w = exp(w log z), log z and the product with 64 more bits than the
+// result's exponent can need (|w log z| < 2^15 where the result is finite).
+bool complex_pow(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    const mpfr_prec_t w = work_prec(re) + 64;
+    Work t(w);
+    Work u(w);
+    log_modulus(t[0], x[0], x[1], w);
+    mpfr_atan2(t[1], x[1], x[0], MPFR_RNDN);
+    // p = (c + i d)(lr + i li).
+    mpfr_mul(u[0], x[2], t[0], MPFR_RNDN);
+    mpfr_mul(u[1], x[3], t[1], MPFR_RNDN);
+    mpfr_sub(u[0], u[0], u[1], MPFR_RNDN);
+    mpfr_mul(u[2], x[2], t[1], MPFR_RNDN);
+    mpfr_mul(u[3], x[3], t[0], MPFR_RNDN);
+    mpfr_add(u[2], u[2], u[3], MPFR_RNDN);
+    mpfr_exp(t[0], u[0], MPFR_RNDN);
+    mpfr_sin_cos(t[1], t[2], u[2], MPFR_RNDN);
+    mpfr_mul(re, t[0], t[2], MPFR_RNDN);
+    mpfr_mul(im, t[0], t[1], MPFR_RNDN);
+    return false;
+}
+
+// Hard ranges.  Near |z| = 1 (the real part of log z cancels): the unit
+// circle drawn at random angles and moved by a few ulps.
+void near_unit_circle(Draw& d, const mpfr_ptr* c) {
+    mpfr_t a;
+    mpfr_init2(a, 256);
+    mpfr_const_pi(a, MPFR_RNDN);
+    mpfr_mul_d(a, a, 2 * d.unit(), MPFR_RNDN);
+    mpfr_sin_cos(c[1], c[0], a, MPFR_RNDN);
+    d.round(0, c[0]);
+    d.round(1, c[1]);
+    d.step(0, c[0], static_cast<long>(d.unit() * 16) - 8);
+    mpfr_clear(a);
+}
+constexpr Range kCQLogHard[] = {
+    {"near the unit circle", near_unit_circle},
+    {"near 1", uniform(0.99L, 1.01L), uniform(-0x1p-20L, 0x1p-20L)},
+    {"tiny and huge", log_uniform(0x1p-16000L, 0x1p16000L, both_signs), log_uniform(0x1p-16000L, 0x1p16000L, both_signs)},
+};
+constexpr Range kCQExpHard[] = {
+    {"near overflow", uniform(11340.0L, 11356.5L), uniform(-4, 4)},
+    {"near k pi/2 in y", uniform(-10, 10), near_multiples(-1000, 1000, mpfr_const_pi, 0.5)},
+    {"small", log_uniform(0x1p-60L, 1, both_signs), log_uniform(0x1p-60L, 1, both_signs)},
+};
+constexpr Range kCQTrigHard[] = {
+    {"near k pi/2 in x", near_multiples(-1000, 1000, mpfr_const_pi, 0.5), uniform(-4, 4)},
+    {"large y", uniform(-4, 4), uniform(-11356.0L, 11356.0L)},
+    {"small", log_uniform(0x1p-60L, 1, both_signs), log_uniform(0x1p-60L, 1, both_signs)},
+};
+constexpr Range kCQTrigQuadrantHard[] = {
+    {"near integers in x", near_multiples(-1000, 1000, nullptr, 1), uniform(-2, 2)},
+    {"large y", uniform(-4, 4), uniform(-7229.0L, 7229.0L)},
+    {"small", log_uniform(0x1p-60L, 1, both_signs), log_uniform(0x1p-60L, 1, both_signs)},
+};
+constexpr Range kCQSqrtHard[] = {
+    {"near the negative axis", uniform(-4, -1), log_uniform(0x1p-100L, 0x1p-10L, both_signs)},
+    {"tiny and huge", log_uniform(0x1p-16000L, 0x1p16000L, both_signs), log_uniform(0x1p-16000L, 0x1p16000L, both_signs)},
+};
+// The power of a base near the unit circle (ln|z| cancels) to exponents
+// up to 1000.
+void near_unit_circle_power(Draw& d, const mpfr_ptr* c) {
+    near_unit_circle(d, c);
+    d.axis(2, uniform(-1000, 1000), c[2]);
+    d.axis(3, uniform(-1000, 1000), c[3]);
+}
+constexpr Range kCQPowHard[] = {
+    {"base near the unit circle", near_unit_circle_power},
+    {"large exponents", uniform(0.5L, 2.0L), uniform(-2, 2), uniform(-1000, 1000), uniform(-100, 100)},
+};
+
 // ---- REAL(16) operators and conversions ---------------------------------------
 
 // Both operands within the normal range, results too.
@@ -1317,6 +1492,18 @@ constexpr Reference kReferences[] = {
     {"g_gamma", mpfr_gamma, {interval(-45.0, 35.04)}, kGammaHard4, 0.51, kUnbounded, fast_gamma, 57},
     {"g_algama", log_abs_gamma, {interval(-0x1p23, 0x1p120)}, kGammaHard4, 0.51, kUnbounded, fast_lgamma, 57},
     {"g_lgamma", log_abs_gamma, {interval(-0x1p23, 0x1p120)}, kGammaHard4, 0.51, kUnbounded, fast_lgamma, 57},
+
+    // COMPLEX(16) functions and the complex power: per part within an ulp,
+    // nearly correctly rounded (bounds on the norm error).
+    {"g_cqabs", mpfr_hypot, {kQuadHalf, kQuadHalf}, kCQSqrtHard, 0.51},
+    {"g_cqsqrt", complex_sqrt, {kQuadHalf, kQuadHalf}, kCQSqrtHard, 0.72},
+    {"g_cqexp", complex_exp, {interval(-11355.0L, 11355.0L), magnitudes(0x1p-100L, 0x1p100L)}, kCQExpHard, 0.72},
+    {"g_cqlog", complex_log, {kQuadWide, kQuadWide}, kCQLogHard, 0.72},
+    {"g_cqsin", quad_complex_sin_cos<false, false>, {magnitudes(0x1p-100L, 0x1p100L), interval(-11355.0L, 11355.0L)}, kCQTrigHard, 0.72},
+    {"g_cqcos", quad_complex_sin_cos<true, false>, {magnitudes(0x1p-100L, 0x1p100L), interval(-11355.0L, 11355.0L)}, kCQTrigHard, 0.72},
+    {"g_cqsinq", quad_complex_sin_cos<false, true>, {magnitudes(0x1p-100L, 0x1p100L), interval(-7229.0L, 7229.0L)}, kCQTrigQuadrantHard, 0.72},
+    {"g_cqcosq", quad_complex_sin_cos<true, true>, {magnitudes(0x1p-100L, 0x1p100L), interval(-7229.0L, 7229.0L)}, kCQTrigQuadrantHard, 0.72},
+    {"g_azxz", complex_pow, {magnitudes(0x1p-100L, 0x1p100L), magnitudes(0x1p-100L, 0x1p100L), interval(-20, 20), interval(-20, 20)}, kCQPowHard, 0.72},
 
     // REAL(16) elementary functions: within 0.51 ulp.  Log-gamma: 0.6,
     // its error is absolute (2^-122.6) where |ln Gamma| < 2^-7.5, next to
