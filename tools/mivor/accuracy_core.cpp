@@ -301,8 +301,9 @@ std::string check_reference(const Reference& ref, const Layout& l) {
             if (coords != 1 || (l.results.size() != 1 && !l.lanes)) return "a Real1 function needs one real argument and result";
             break;
         case Exact::Shape::real2:
-            if (coords != 2 || l.results.size() != 1 || l.arg_kinds.size() != 2)
-                return "a Real2 function needs two real arguments and one real result";
+            // (or one complex argument: the modulus of g_cabs, g_cdabs)
+            if (coords != 2 || l.results.size() != 1 || (l.arg_kinds.size() != 2 && l.arg_kinds[0][0] != 'c'))
+                return "a Real2 function needs two real arguments (or one complex) and one real result";
             break;
         case Exact::Shape::complex:
             if (!l.complex) return "a Complex function needs a complex result";

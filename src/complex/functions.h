@@ -1,0 +1,258 @@
+// Small building blocks of the complex elementary functions and powers
+// (complex/abs_sqrt.cpp, complex/exp.cpp, complex/log.cpp,
+// power/complex_powers.cpp), usable by any complex function:
+//
+//   Scaled         a pair (x, y) brought near 1 by an exact power of two
+//                  when its larger part is huge or tiny, so that squares
+//                  neither overflow nor lose bits to underflow;
+//   modulus_dd     |x + iy| as a double-double (the sum of squares is exact
+//                  up to its last addition, the root gets one correction):
+//                  relative error below 2^-100;
+//   log_modulus_dd log|x + iy| as a double-double; near |z| = 1 it is
+//                  log1p(x^2 + y^2 - 1)/2 with x^2 + y^2 - 1 formed from
+//                  exact products, so that the cancellation costs nothing;
+//   angle          atan2(y, x) from the x87 partial arctangent in extended
+//                  precision (within one unit of 2^-64 relative), with the
+//                  C signs of zero (the angle of (+-0, -0) is +-pi);
+//   exp_times      e^E (cos A, sin A) for E and A double-doubles, scaled so
+//                  that a part stays finite whenever it is, even where e^E
+//                  alone overflows; one rounding per part, subnormal parts
+//                  included.
+//   scale2         2^m (hi + lo), rounded once, any sign, any m.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <cstdint>
+
+#include "elementary/double_double.h"
+#include "elementary/exp_log_dd.h"
+#include "frame/values.h"
+#include "frame/x87.h"
+#include "mivor/mivor.h"
+
+namespace mivor::complex {
+
+using elementary::DD;
+
+inline double magnitude(double v) { return __builtin_fabs(v); }
+inline double with_sign_of(double v, double s) { return __builtin_copysign(v, s); }
+inline bool is_finite(double v) { return magnitude(v) <= 0x1.fffffffffffffp1023; }
+inline double root(double v) { return _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(v))); }
+inline double pow2(int k) { return double_from_bits(static_cast<std::uint64_t>(k + 1023) << 52); }  // k in [-1022, 1023]
+
+// 2^m (hi + lo) rounded once, |lo| <= 2^-50 |hi|: hi is brought into
+// [1, 2) by its own exponent (a subnormal first lifted by 2^64, exactly),
+// and elementary::scale_finish rounds once, onto the subnormal grid too.
+inline double scale2(double hi, double lo, std::int64_t m) {
+    if (hi == 0.0) return hi;
+    double h = magnitude(hi), l = hi < 0.0 ? -lo : lo;
+    if (h < 0x1p-1022) h *= 0x1p64, l *= 0x1p64, m -= 64;
+    const std::int64_t e = static_cast<std::int64_t>(bits_of(h) >> 52) - 1023;
+    const double down = double_from_bits(static_cast<std::uint64_t>(1023 - e) << 52);
+    const double r = elementary::scale_finish(m + e, h * down, l * down);
+    return hi < 0.0 ? -r : r;
+}
+
+// (x, y) = 2^k (sx, sy), with the larger part of (sx, sy) between 2^-500
+// and 2^500 whenever it is finite and nonzero.  k is a multiple of 600.
+struct Scaled {
+    double x, y;
+    int k;
+};
+inline Scaled scaled(double x, double y) {
+    const double m = magnitude(x) > magnitude(y) ? magnitude(x) : magnitude(y);
+    if (m > 0x1p500) return {x * 0x1p-600, y * 0x1p-600, 600};
+    if (m < 0x1p-500) return {x * 0x1p600, y * 0x1p600, -600};
+    return {x, y, 0};
+}
+
+// x^2 + y^2 for |x| >= |y| as hi + lo, to 2^-104 relative (both squares
+// exact as double-doubles, one rounding in the low sum).
+inline DD sum_of_squares(double x, double y) {
+    const DD p = elementary::two_prod(x, x), q = elementary::two_prod(y, y);
+    const DD s = elementary::fast_two_sum(p.hi, q.hi);
+    return elementary::fast_two_sum(s.hi, s.lo + (p.lo + q.lo));
+}
+
+// |x + iy| = 2^k (hi + lo) for finite parts, not both zero, of a Scaled
+// pair: the root of the sum of squares and one Newton correction.
+inline DD modulus_dd(double x, double y) {
+    double a = magnitude(x), b = magnitude(y);
+    if (b > a) {
+        const double t = a;
+        a = b, b = t;
+    }
+    const DD s = sum_of_squares(a, b);
+    const double h = root(s.hi);
+    const DD hh = elementary::two_prod(h, h);
+    return {h, (((s.hi - hh.hi) - hh.lo) + s.lo) / (h + h)};
+}
+
+// log|x + iy| for finite parts, not both zero, as a double-double good to
+// about 2^-67 relative.
+inline DD log_modulus_dd(double x, double y) {
+    namespace t = elementary::exp_log_dd_data;
+    using elementary::fast_two_sum;
+    using elementary::two_sum;
+    const Scaled z = scaled(x, y);
+    double a = magnitude(z.x), b = magnitude(z.y);
+    if (b > a) {
+        const double c = a;
+        a = b, b = c;
+    }
+    const DD p = elementary::two_prod(a, a), q = elementary::two_prod(b, b);
+    const double s = p.hi + q.hi;
+    if (z.k == 0 && s >= 0.5 && s <= 2.0) {
+        // d = a^2 + b^2 - 1 from the four exact pieces: p.hi - 1 by a
+        // two_sum (exact), then the other pieces one by one, each sum's
+        // rounding error kept.
+        const DD t0 = two_sum(p.hi, -1.0);
+        const DD t1 = two_sum(t0.hi, q.hi);
+        const DD t2 = two_sum(t1.hi, p.lo);
+        const DD t3 = two_sum(t2.hi, q.lo);
+        const DD d = fast_two_sum(t3.hi, ((t0.lo + t1.lo) + t2.lo) + t3.lo);
+        // log1p(d) = log(u) + log1p(v), u = 1 + d.hi rounded (exact as
+        // u + u.lo), v = (u.lo + d.lo)/u, |v| <= 2^-52.
+        const DD u = fast_two_sum(1.0, d.hi);  // |d.hi| <= 1
+        const DD l = elementary::log_dd_normal(u.hi);
+        const double v = (u.lo + d.lo) / u.hi;
+        const DD r = fast_two_sum(l.hi, l.lo + (v - 0.5 * v * v));
+        return {0.5 * r.hi, 0.5 * r.lo};
+    }
+    // Elsewhere log s = log(s.hi) + s.lo/s.hi, halved, plus k ln2: no
+    // cancellation (|log s| >= 0.69 or the scaling moved it far from 0).
+    const DD ss = fast_two_sum(s, (p.hi - s) + q.hi + (p.lo + q.lo));
+    const DD l = elementary::log_dd(ss.hi);
+    const double lo = 0.5 * (l.lo + ss.lo / ss.hi);
+    if (z.k == 0) return fast_two_sum(0.5 * l.hi, lo);
+    const double kd = static_cast<double>(z.k);
+    const DD r = two_sum(kd * t::Ln2hi, 0.5 * l.hi);
+    return fast_two_sum(r.hi, r.lo + (lo + kd * t::Ln2lo));
+}
+
+// The angle of (x, y) in (-pi, pi] from FPATAN, rounded once to double or
+// to float, or split into a double-double (the extended value exactly).
+inline double angle(double y, double x) {
+    x87::ExtendedPrecision scope;
+    return scope.to_double(x87::fpatan(scope.pin(y), scope.pin(x)));
+}
+inline float angle_f(double y, double x) {
+    x87::ExtendedPrecision scope;
+    return scope.to_float(x87::fpatan(scope.pin(y), scope.pin(x)));
+}
+inline DD angle_dd(double y, double x) {
+    x87::ExtendedPrecision scope;
+    const long double a = scope.pin(x87::fpatan(scope.pin(y), scope.pin(x)));
+    const double hi = scope.to_double(a);
+    return {hi, scope.to_double(a - hi)};  // exact: at most 11 bits
+}
+
+// The sine and cosine of A = hi + lo, |hi| < 3.53e15 (accepted by the
+// REAL(8) kernels without a report), lo small against the spacing of hi.
+struct SinCos {
+    double s, c;
+};
+inline SinCos sin_cos(double hi, double lo = 0.0) {
+    mivor_complex8 p;
+    g_dscn(&p, &hi);
+    if (lo == 0.0) return {p.re, p.im};
+    return {p.re + lo * p.im, p.im - lo * p.re};
+}
+
+// e^(ehi + elo) = 2^m (t + tail), t + tail in [1, 2), ready to multiply a
+// factor of magnitude at most 1 (a cosine or a sine).  Arguments beyond the
+// exponential's reach (|ehi| > 700) are moved by 1024 ln2 first (exactly:
+// a two_sum, the low part of ln2 into elo), so that e^E may lie far outside
+// the double range while its product with a small factor does not.
+// beyond: +1 every nonzero product overflows (E > 1500 > 709.8 + 744.5,
+// with factors at least 2^-1074), -1 every product is below half the least
+// subnormal (E < -1500), 0 otherwise.  E must not be a NaN.
+struct Exp {
+    std::int64_t m;
+    double t, tail;
+    int beyond;
+};
+inline Exp exp_parts(double ehi, double elo) {
+    namespace t = elementary::exp_log_dd_data;
+    std::int64_t m = 0;
+    if (!(magnitude(ehi) <= 700.0)) {
+        if (ehi > 1500.0) return {0, 0.0, 0.0, 1};
+        if (ehi < -1500.0) return {0, 0.0, 0.0, -1};
+        const double n = ehi > 0 ? 1024.0 : -1024.0;
+        const DD r = elementary::two_sum(ehi, -n * t::Ln2hi);
+        ehi = r.hi, elo = (r.lo + elo) - n * t::Ln2lo;
+        m = static_cast<std::int64_t>(n);
+    }
+    const elementary::ExpParts e = elementary::exp_dd(ehi, elo);
+    return {m + (e.k >> 8), e.t, e.tail, 0};
+}
+
+// 2^m (t + tail) f, rounded once; f finite, |f| <= 1.  f = 2^j g with
+// |g| in [0.5, 1) exactly, so that (t + tail) g lies in [0.5, 2) and its
+// exact product (two_prod) rounds once, either scaled exactly (normal
+// results) or by scale2.
+inline double times(const Exp& e, double f) {
+    if (f == 0.0) return f;  // e^E is positive: the zero keeps its sign
+    if (e.beyond != 0) return with_sign_of(e.beyond > 0 ? __builtin_inf() : 0.0, f);
+    std::int64_t j = static_cast<std::int64_t>((bits_of(f) >> 52) & 0x7FF);
+    double g = f;
+    if (j == 0) {  // subnormal
+        g *= 0x1p64;
+        j = static_cast<std::int64_t>((bits_of(g) >> 52) & 0x7FF) - 64;
+    }
+    g = double_from_bits((bits_of(g) & 0x800FFFFFFFFFFFFFu) | (std::uint64_t{1022} << 52));
+    const std::int64_t m = e.m + j - 1022;
+    const DD p = elementary::two_prod(e.t, g);
+    const double lo = p.lo + e.tail * g;
+    if (m >= -1021 && m <= 1023) return (p.hi + lo) * pow2(static_cast<int>(m));  // normal: exact scaling
+    return scale2(p.hi, lo, m);
+}
+
+// Largest imaginary part whose sine and cosine the REAL(8) kernels give
+// without a report (the limit of g_dsin's reduction).
+inline constexpr double kAngleLimit = 3530000000000000.0;
+
+// e^(x + iy) with the special values of C99 (Annex G), no report: the
+// pair the exponential family and the powers start from.  An imaginary
+// part refused by the sine and cosine (infinite, NaN, |y| >= 3.53e15)
+// gives what e^x times NaN gives with the infinities of Annex G:
+// (+0, +0) for x = -Inf, (+Inf, NaN) for x = +Inf, else (NaN, NaN).
+inline mivor_complex8 exp_of(double x, double y) {
+    if (y == 0.0) {
+        if (x != x) return {x + x, y};
+        return {times(exp_parts(x, 0.0), 1.0), y};
+    }
+    if (!(magnitude(y) < kAngleLimit)) {
+        const double nan = y != y ? y + y : __builtin_nan("");
+        if (x == -__builtin_inf()) return {0.0, 0.0};
+        if (x == __builtin_inf()) return {x, nan};
+        return {x != x ? x + x : nan, nan};
+    }
+    if (x != x) return {x + x, x + x};
+    const SinCos sc = sin_cos(y);
+    const Exp e = exp_parts(x, 0.0);
+    return {times(e, sc.c), times(e, sc.s)};
+}
+
+// log|x + iy| with the special values of C99 (Annex G): -Inf for a zero,
+// +Inf for an infinite part (a NaN in the other part too), otherwise NaN
+// for a NaN part; to 0.5 ulp plus about 2^-13 ulp (a double-double rounded
+// once).
+inline double log_modulus(double x, double y) {
+    if (is_finite(x) && is_finite(y)) {
+        if (x == 0.0 && y == 0.0) return -__builtin_inf();
+        const DD l = log_modulus_dd(x, y);
+        return l.hi + l.lo;
+    }
+    if (!is_finite(x) && x == x) return magnitude(x);
+    if (!is_finite(y) && y == y) return magnitude(y);
+    return x + y;  // a NaN
+}
+
+// log(x + iy), no report; the imaginary part the extended angle rounded
+// once (FPATAN gives the C99 angles of zeros and infinities and NaN for a
+// NaN part).
+inline mivor_complex8 log_of(double x, double y) { return {log_modulus(x, y), angle(y, x)}; }
+
+}  // namespace mivor::complex
