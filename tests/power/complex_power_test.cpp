@@ -53,18 +53,19 @@ TEST(ComplexPower, SpecialCasesAndExactValues) {
     EXPECT_EQ(r.re, 3.0);
     r = pow8({0.5, 0.0}, {1074.0, 0.0});
     EXPECT_EQ(r.re, 0x1p-1074);
-    r = pow8({2.0, 0.0}, {1023.5, 0.0});
-    EXPECT_EQ(r.re, INFINITY);  // 2^1023.5 overflows
+    r = pow8({2.0, 0.0}, {1024.25, 0.0});
+    EXPECT_EQ(r.re, INFINITY);  // no report
     const mivor_complex4 f = pow4({2.0f, 0.0f}, {-3.0f, 0.0f});
     EXPECT_EQ(f.re, 0.125f);
     EXPECT_EQ(f.im, 0.0f);
 
-    // i^i = e^(-pi/2); (-1)^(1/2) = (6.1e-17, 1); (1 + i)^2 = 2i.
+    // i^i = e^(-pi/2); (-1)^(1/2) = i, up to the angle's extended
+    // precision (a double pi would leave 6.1e-17); (1 + i)^2 = 2i.
     r = pow8({0.0, 1.0}, {0.0, 1.0});
-    EXPECT_EQ(r.re, 0.20787957635076193);
+    EXPECT_EQ(r.re, 0.2078795763507619);
     EXPECT_EQ(r.im, 0.0);
     r = pow8({-1.0, 0.0}, {0.5, 0.0});
-    EXPECT_EQ(r.re, 6.123233995736766e-17);
+    EXPECT_LT(std::fabs(r.re), 1e-19);
     EXPECT_EQ(r.im, 1.0);
     r = pow8({1.0, 1.0}, {2.0, 0.0});
     EXPECT_NEAR(r.re, 0.0, 1e-15);
@@ -94,7 +95,10 @@ TEST(ComplexPower, WithinTwoUlpsOfTheModulusForLargeExponents) {
         const __float128 size = cabsq(p);
         if (!(size > 1e-290 && size < 1e290)) continue;
         const double ulp = std::ldexp(1.0, std::ilogb(static_cast<double>(size)) - 52);
-        const double err = static_cast<double>(cabsq(p - (r.re + r.im * 1.0Qi))) / ulp;
+        __complex128 rq;
+        __real__ rq = r.re;
+        __imag__ rq = r.im;
+        const double err = static_cast<double>(cabsq(p - rq)) / ulp;
         worst = std::max(worst, err);
         ASSERT_LE(err, 2.0) << "(" << z.re << ", " << z.im << ") ** (" << w.re << ", " << w.im << ")";
     }
