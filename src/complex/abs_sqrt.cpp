@@ -76,14 +76,17 @@ mivor_complex8 sqrt8(double x, double y) {
     const double th = root(a.hi);
     const DD tt = elementary::two_prod(th, th);
     const DD t = elementary::fast_two_sum(th, (((a.hi - tt.hi) - tt.lo) + a.lo) / (th + th));
-    // The other part: |y| / 2t, or y / 2t.
-    const DD q = elementary::dd_div({magnitude(z.y), 0.0}, {t.hi + t.hi, t.lo + t.lo});
-    const int k = z.k / 2;
-    if (x >= 0.0) {
-        const double im = finish(q, k);
-        return {finish(t, k), with_sign_of(im, y)};
-    }
-    return {finish(q, k), with_sign_of(finish(t, k), y)};
+    // The other part |y| / 2t from y itself, not its scaled copy, which
+    // may have lost bits to underflow beside a huge x: |y| 2^j normal (a
+    // subnormal or huge y moved by 2^-+200) over 2t 2^(k/2).
+    double ay = magnitude(y);
+    int j = 0;
+    if (ay < 0x1p-900) ay *= 0x1p200, j = -200;
+    else if (ay > 0x1p900) ay *= 0x1p-200, j = 200;
+    const DD q = elementary::dd_div({ay, 0.0}, {t.hi + t.hi, t.lo + t.lo});
+    const int k = z.k / 2, kq = j - k;
+    if (x >= 0.0) return {finish(t, k), with_sign_of(finish(q, kq), y)};
+    return {finish(q, kq), with_sign_of(finish(t, k), y)};
 }
 
 }  // namespace

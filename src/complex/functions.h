@@ -67,10 +67,21 @@ inline Scaled scaled(double x, double y) {
     return {x, y, 0};
 }
 
+// a^2 = hi + lo exactly (Veltkamp's split into 26 + 26 significant bits,
+// whose products are exact; elementary::two_prod's faster split leaves the
+// product of its two 27-bit halves rounded, 2^-104 relative, which the
+// cancellation of x^2 + y^2 - 1 would magnify); |a| <= 2^995.
+inline DD exact_square(double a) {
+    constexpr double kSplit = 0x1p27 + 1.0;
+    const double p = a * a;
+    const double as = kSplit * a, ah = as - (as - a), al = a - ah;
+    return {p, ((ah * ah - p) + 2.0 * (ah * al)) + al * al};
+}
+
 // x^2 + y^2 for |x| >= |y| as hi + lo, to 2^-104 relative (both squares
 // exact as double-doubles, one rounding in the low sum).
 inline DD sum_of_squares(double x, double y) {
-    const DD p = elementary::two_prod(x, x), q = elementary::two_prod(y, y);
+    const DD p = exact_square(x), q = exact_square(y);
     const DD s = elementary::fast_two_sum(p.hi, q.hi);
     return elementary::fast_two_sum(s.hi, s.lo + (p.lo + q.lo));
 }
@@ -85,7 +96,7 @@ inline DD modulus_dd(double x, double y) {
     }
     const DD s = sum_of_squares(a, b);
     const double h = root(s.hi);
-    const DD hh = elementary::two_prod(h, h);
+    const DD hh = exact_square(h);
     return {h, (((s.hi - hh.hi) - hh.lo) + s.lo) / (h + h)};
 }
 
@@ -101,7 +112,7 @@ inline DD log_modulus_dd(double x, double y) {
         const double c = a;
         a = b, b = c;
     }
-    const DD p = elementary::two_prod(a, a), q = elementary::two_prod(b, b);
+    const DD p = exact_square(a), q = exact_square(b);
     const double s = p.hi + q.hi;
     if (z.k == 0 && s >= 0.5 && s <= 2.0) {
         // d = a^2 + b^2 - 1 from the four exact pieces: p.hi - 1 by a
@@ -112,12 +123,20 @@ inline DD log_modulus_dd(double x, double y) {
         const DD t2 = two_sum(t1.hi, p.lo);
         const DD t3 = two_sum(t2.hi, q.lo);
         const DD d = fast_two_sum(t3.hi, ((t0.lo + t1.lo) + t2.lo) + t3.lo);
-        // log1p(d) = log(u) + log1p(v), u = 1 + d.hi rounded (exact as
-        // u + u.lo), v = (u.lo + d.lo)/u, |v| <= 2^-52.
-        const DD u = fast_two_sum(1.0, d.hi);  // |d.hi| <= 1
-        const DD l = elementary::log_dd_normal(u.hi);
-        const double v = (u.lo + d.lo) / u.hi;
-        const DD r = fast_two_sum(l.hi, l.lo + (v - 0.5 * v * v));
+        // log1p(d): for |d| < 2^-20 its series to d^4 (the rest is below
+        // 2^-80 |d|; only d itself needs its low part); otherwise
+        // log(u) + log1p(v) with u = 1 + d.hi rounded (u + u.lo exactly),
+        // v = (u.lo + d.lo)/u, |v| <= 2^-52 against |log u| >= 2^-21.
+        DD r;
+        if (magnitude(d.hi) < 0x1p-20) {
+            const double h = d.hi, h2 = h * h;
+            r = fast_two_sum(h, d.lo + h2 * ((-0.5 + h * (1.0 / 3)) - 0.25 * h2));
+        } else {
+            const DD u = fast_two_sum(1.0, d.hi);  // |d.hi| <= 1
+            const DD l = elementary::log_dd_normal(u.hi);
+            const double v = (u.lo + d.lo) / u.hi;
+            r = fast_two_sum(l.hi, l.lo + (v - 0.5 * v * v));
+        }
         return {0.5 * r.hi, 0.5 * r.lo};
     }
     // Elsewhere log s = log(s.hi) + s.lo/s.hi, halved, plus k ln2: no
