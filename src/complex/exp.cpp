@@ -117,10 +117,16 @@ template <class T>
 typename Kind<T>::C cexp(T x, T y) {
     using K = Kind<T>;
     const double xd = x, yd = y;
-    if (magnitude(xd) <= K::kFast && magnitude(yd) < K::kLimit && yd != 0.0) [[likely]] {
+    if (magnitude(xd) <= K::kFast && magnitude(yd) < K::kLimit && magnitude(yd) >= 0x1p-900) [[likely]] {
+        // The sine and cosine are at least 2^-900 here, so that the exact
+        // products need no normalising; the scaling by 2^m is exact unless
+        // a part falls below 2^-1022, which `times` rounds once instead.
         const SinCos sc = sin_cos(yd);
-        const Exp e = exp_parts(xd, 0.0);
-        return {K::part(times(e, sc.c)), K::part(times(e, sc.s))};
+        const elementary::ExpParts e = elementary::exp_dd(xd, 0.0);
+        const double scale = pow2(static_cast<int>(e.k >> 8));
+        const double re = product(e, sc.c) * scale, im = product(e, sc.s) * scale;
+        if (magnitude(re) >= 0x1p-1022 && magnitude(im) >= 0x1p-1022) [[likely]]
+            return {K::part(re), K::part(im)};
     }
     return guarded<T>(x, y);
 }

@@ -10,10 +10,14 @@
 //              log1p(d)/2 with d = x^2 + y^2 - 1 added up from the exact
 //              squares with every rounding error kept, so the result is
 //              as accurate as log1p of an exact argument;
-//   imaginary  atan2(y, x) from FPATAN in extended precision, rounded
+//   imaginary  atan2(y, x) as a double-double (complex/functions.h: the
+//              quotient of the parts reduced around the nearest multiple of
+//              1/4, the series of the arctangent; 2^-64 relative), rounded
 //              once: within 0.5 ulp + 2^-11 ulp, the C signs of zero kept
 //              (the angle of (-0, -0) is -pi, of (-1, +0) is +pi, of
 //              (-1, -0) is -pi: the branch cut follows the sign of zero).
+//              Zeros, infinities and NaNs take the x87 partial arctangent,
+//              which gives the angles of C99.
 // Accuracy, COMPLEX(8): the real part within 0.5 ulp + 2^-13 ulp when
 // |log|z|| is not far below 1 (measured: `mivor accuracy g_cdlog`, below
 // 0.51 ulp on 10^6 random arguments and on the hard ranges near |z| = 1,
