@@ -162,20 +162,21 @@ inline DD exact_product(double a, double b) {
 
 // atan2(y, x) as a double-double, for finite parts not both zero; relative
 // error below 2^-64 (SSE2 arithmetic only: the x87 partial arctangent
-// takes three to ten times as long as the whole of this on current
-// processors).
-//   t = min/max of |x|, |y| as q + ql (the quotient and its exact
-//       remainder over the divisor; the pair first scaled by 2^-+600 when
-//       the larger part is beyond 2^+-900, so that the products stay
-//       exact);
-//   c = j/4 nearest q, r = (t - c)/(1 + t c) as a double-double, |r| <=
-//       1/8: t - c is exact (Sterbenz), 1 + t c carried with the exact
-//       product;
-//   atan t = atan(c) + atan(r), atan(r) = r - r^3/3 + r^5 S(r^2) with
-//       r^3/3 a double-double, S the series to r^21 (cut below 2^-70 |r|,
-//       its roundings 2^-66 |r|), the low part of r times 1 - r^2;
+// takes several times as long as the whole of this).  With n = min and
+// d = max of |x|, |y| (scaled by 2^-+600 so that every product below is
+// exact), t = n/d:
+//   t < 2^-300: r = t, the quotient rounded once;
+//   t < 1/8:   r = t as q + ql, the quotient and its exact remainder over d;
+//   otherwise  c = 1/4, 1/2 or 1 (t below 3/8, below 0.72, above: those
+//              bounds balance |r|), r = (n - c d)/(d + c n) as a
+//              double-double: n - c d is exact (Sterbenz), d + c n an exact
+//              two_sum, the quotient corrected once; |r| <= 0.163;
+//   atan t = atan(c) + atan(r), atan(r) = r - r^3/3 + r^5 S(r^2) with r^3/3
+//       a double-double and S the series to r^23 (cut below 2^-67 |r|, its
+//       roundings below 2^-66 |r|), the low part of r times 1 - r^2;
 //   then pi/2 - atan t when |y| > |x|, pi - that when x < 0, the sign of y.
-// Constants from tools/tables/gen_complex_angle.py.
+// Two divisions, no comparison with a quotient.  Constants from
+// tools/tables/gen_complex_angle.py.
 inline DD atan2_dd(double y, double x) {
     namespace a = angle_data;
     using elementary::dd_add;
@@ -187,35 +188,43 @@ inline DD atan2_dd(double y, double x) {
         const double t = n;
         n = d, d = t;
     }
-    if (d < 0x1p-900) n *= 0x1p600, d *= 0x1p600;
-    else if (d > 0x1p900) n *= 0x1p-600, d *= 0x1p-600;
-    const double q = n / d;
-    const DD qd = exact_product(q, d);
-    const double ql = ((n - qd.hi) - qd.lo) / d;
-    const int j = static_cast<int>(q * 4.0 + 0.5);
-    const double c = 0.25 * j;
-    DD r;
-    if (j == 0) {
-        r = {q, ql};
+    DD r{0.0, 0.0};
+    int j = 0;
+    if (n < 0x1p-300 * d) {
+        // t^3/3 is below 2^-600 t: the correctly rounded quotient of the
+        // parts as they are (a subnormal included) is all.
+        r.hi = n / d;
     } else {
-        const DD num = two_sum(q - c, ql);
-        const DD tc = exact_product(q, c);
-        const DD den = fast_two_sum(1.0, tc.hi);
-        r = elementary::dd_div(num, {den.hi, den.lo + (tc.lo + ql * c)});
+        // Scaled into [2^-900, 2^900], so that every product below is exact.
+        if (d > 0x1p900) n *= 0x1p-600, d *= 0x1p-600;
+        else if (d < 0x1p-600) n *= 0x1p600, d *= 0x1p600;
+        if (n < 0.125 * d) {
+            r.hi = n / d;
+            const DD qd = exact_product(r.hi, d);
+            r.lo = ((n - qd.hi) - qd.lo) / d;
+        } else {
+            j = n < 0.375 * d ? 1 : n < 0.72 * d ? 2 : 4;
+            const double c = 0.25 * j;
+            const double num = n - c * d;      // exact
+            const DD den = two_sum(d, c * n);  // c n exact
+            const double q = num / den.hi;
+            const DD qd = exact_product(q, den.hi);
+            r = fast_two_sum(q, (((num - qd.hi) - qd.lo) - q * den.lo) / den.hi);
+        }
     }
     const DD r2 = exact_square(r.hi);
     const DD r3 = elementary::dd_mul(r2, r.hi);
     const DD s3 = elementary::dd_mul(r3, {a::third.hi, a::third.lo});
-    const double u = r2.hi;
+    const double u = r2.hi, u2 = u * u, u4 = u2 * u2;
     const double* k = a::series;
-    const double tail =
-        ((k[0] + u * k[1]) + (u * u) * (k[2] + u * k[3]) + (u * u) * (u * u) * ((k[4] + u * k[5]) + (u * u) * (k[6] + u * k[7]) + (u * u) * (u * u) * k[8]));
+    const double tail = ((k[0] + u * k[1]) + u2 * (k[2] + u * k[3])) +
+                        u4 * (((k[4] + u * k[5]) + u2 * (k[6] + u * k[7])) + u4 * (k[8] + u * k[9]));
     const double rest = (r.lo * (1.0 - u) - s3.lo) + r3.hi * u * tail;
     DD v = fast_two_sum(r.hi, rest - s3.hi);
     if (j != 0) v = dd_add({a::atan_quarter[j].hi, a::atan_quarter[j].lo}, v);
     if (swapped) v = dd_add({a::half_pi.hi, a::half_pi.lo}, {-v.hi, -v.lo});
     if (x < 0.0) v = dd_add({a::pi.hi, a::pi.lo}, {-v.hi, -v.lo});
-    return y < 0.0 || (y == 0.0 && __builtin_signbit(y)) ? DD{-v.hi, -v.lo} : v;
+    return __builtin_signbit(y) ? DD{-v.hi, -v.lo} : v;
 }
 
 // The angle of (x, y) in (-pi, pi] with the C signs of zeros and the
