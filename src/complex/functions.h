@@ -177,6 +177,7 @@ inline DD exact_product(double a, double b) {
 //   then pi/2 - atan t when |y| > |x|, pi - that when x < 0, the sign of y.
 // Two divisions, no comparison with a quotient.  Constants from
 // tools/tables/gen_complex_angle.py.
+template <bool precise = true>
 inline DD atan2_dd(double y, double x) {
     namespace a = angle_data;
     using elementary::dd_add;
@@ -212,15 +213,24 @@ inline DD atan2_dd(double y, double x) {
             r = fast_two_sum(q, (((num - qd.hi) - qd.lo) - q * den.lo) / den.hi);
         }
     }
-    const DD r2 = exact_square(r.hi);
-    const DD r3 = elementary::dd_mul(r2, r.hi);
-    const DD s3 = elementary::dd_mul(r3, {a::third.hi, a::third.lo});
-    const double u = r2.hi, u2 = u * u, u4 = u2 * u2;
     const double* k = a::series;
-    const double tail = ((k[0] + u * k[1]) + u2 * (k[2] + u * k[3])) +
-                        u4 * (((k[4] + u * k[5]) + u2 * (k[6] + u * k[7])) + u4 * (k[8] + u * k[9]));
-    const double rest = (r.lo * (1.0 - u) - s3.lo) + r3.hi * u * tail;
-    DD v = fast_two_sum(r.hi, rest - s3.hi);
+    DD v;
+    if constexpr (precise) {
+        const DD r2 = exact_square(r.hi);
+        const DD r3 = elementary::dd_mul(r2, r.hi);
+        const DD s3 = elementary::dd_mul(r3, {a::third.hi, a::third.lo});
+        const double u = r2.hi, u2 = u * u, u4 = u2 * u2;
+        const double tail = ((k[0] + u * k[1]) + u2 * (k[2] + u * k[3])) +
+                            u4 * (((k[4] + u * k[5]) + u2 * (k[6] + u * k[7])) + u4 * (k[8] + u * k[9]));
+        const double rest = (r.lo * (1.0 - u) - s3.lo) + r3.hi * u * tail;
+        v = fast_two_sum(r.hi, rest - s3.hi);
+    } else {
+        // For a result rounded to double: r^3/3 in double too (2^-59.6 |r|).
+        const double u = r.hi * r.hi, u2 = u * u, u4 = u2 * u2;
+        const double tail = ((k[0] + u * k[1]) + u2 * (k[2] + u * k[3])) +
+                            u4 * (((k[4] + u * k[5]) + u2 * (k[6] + u * k[7])) + u4 * (k[8] + u * k[9]));
+        v = fast_two_sum(r.hi, r.lo * (1.0 - u) + (r.hi * u) * (u * tail - a::third.hi));
+    }
     if (j != 0) v = dd_add({a::atan_quarter[j].hi, a::atan_quarter[j].lo}, v);
     if (swapped) v = dd_add({a::half_pi.hi, a::half_pi.lo}, {-v.hi, -v.lo});
     if (x < 0.0) v = dd_add({a::pi.hi, a::pi.lo}, {-v.hi, -v.lo});
@@ -238,14 +248,14 @@ inline DD atan2_dd(double y, double x) {
 inline bool ordinary_angle(double y, double x) { return is_finite(x) && is_finite(y) && (x != 0.0 || y != 0.0); }
 inline double angle(double y, double x) {
     if (ordinary_angle(y, x)) [[likely]] {
-        const DD v = atan2_dd(y, x);
+        const DD v = atan2_dd<false>(y, x);
         return v.hi + v.lo;
     }
     return static_cast<double>(special_angle(y, x));  // exact: a NaN, zero or a multiple of pi/4 rounded
 }
 inline float angle_f(double y, double x) {
     if (ordinary_angle(y, x)) [[likely]] {
-        const DD v = atan2_dd(y, x);
+        const DD v = atan2_dd<false>(y, x);
         return static_cast<float>(v.hi + v.lo);
     }
     return static_cast<float>(static_cast<double>(special_angle(y, x)));
