@@ -38,7 +38,7 @@ namespace {
 double abs8(double x, double y) {
     if (!is_finite(x) || !is_finite(y)) {
         if ((!is_finite(x) && x == x) || (!is_finite(y) && y == y)) return __builtin_inf();
-        return x + y;  // a NaN
+        return x != x ? x + x : y + y;  // the NaN, quieted
     }
     const Scaled z = scaled(x, y);
     if (z.x == 0.0 && z.y == 0.0) return 0.0;
@@ -51,7 +51,7 @@ float abs4(float x, float y) {
     const double a = x, b = y;
     if (!is_finite(a) || !is_finite(b)) {
         if ((!is_finite(a) && a == a) || (!is_finite(b) && b == b)) return __builtin_inff();
-        return static_cast<float>(a + b);  // a NaN
+        return static_cast<float>(a != a ? a + a : b + b);  // the NaN, quieted
     }
     return static_cast<float>(root(a * a + b * b));
 }

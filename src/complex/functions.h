@@ -368,7 +368,7 @@ inline double log_modulus(double x, double y) {
     }
     if (!is_finite(x) && x == x) return magnitude(x);
     if (!is_finite(y) && y == y) return magnitude(y);
-    return x + y;  // a NaN
+    return x != x ? x + x : y + y;  // the NaN, quieted (one operand: the bits do not depend on operand order)
 }
 
 // log(x + iy), no report; the imaginary part the extended angle rounded

@@ -29,7 +29,8 @@
 //   z = (+-0, +-0): Re w > 0            (+0, +0);
 //                   Re w < 0, Im w = 0  (+Inf, +0), as the real 0**(-y);
 //                   otherwise           (NaN, NaN): the angle is undefined;
-//   a part of z or w infinite or NaN, or |Re w|, |Im w| beyond 2^900:
+//   a NaN part in z or w (w not zero)  (NaN, NaN), the quiet NaN 0x7FF8...;
+//   a part of z or w infinite, or |Re w|, |Im w| beyond 2^900:
 //       exp(w log z) with the C99 logarithm and exponential of this
 //       library and a double product: IEEE arithmetic decides;
 //   |A| of 3.53e15 or more (beyond the sine's reduction, and beyond any
@@ -54,6 +55,10 @@ mivor_complex8 cpow(double x, double y, double a, double b) {
         if (a < 0.0 && b == 0.0) return {__builtin_inf(), 0.0};
         return {__builtin_nan(""), __builtin_nan("")};
     }
+    // A NaN part gives (NaN, NaN), the quiet NaN itself: passing a NaN
+    // operand's bits on through products of two NaNs would leave the
+    // result to the operand order the compiler picks.
+    if (x != x || y != y || a != a || b != b) return {__builtin_nan(""), __builtin_nan("")};
     constexpr double kLarge = 0x1p900;
     if (!(is_finite(x) && is_finite(y) && magnitude(a) <= kLarge && magnitude(b) <= kLarge)) {
         const mivor_complex8 l = complex::log_of(x, y);
