@@ -27,6 +27,7 @@
 
 #include "elementary/double_double.h"
 #include "elementary/exp_log_dd.h"
+#include "elementary/trig_reduce.h"
 #include "complex/angle_data.h"
 #include "frame/values.h"
 #include "frame/x87.h"
@@ -151,13 +152,12 @@ inline DD log_modulus_dd(double x, double y) {
     return fast_two_sum(r.hi, r.lo + (lo + kd * t::Ln2lo));
 }
 
-// a b = hi + lo exactly (Veltkamp's split); |a|, |b| <= 2^995.
+// a b = hi + lo exactly (Veltkamp's split, the radian reduction's
+// product); |a|, |b| <= 2^995.
 inline DD exact_product(double a, double b) {
-    constexpr double kSplit = 0x1p27 + 1.0;
-    const double p = a * b;
-    const double as = kSplit * a, ah = as - (as - a), al = a - ah;
-    const double bs = kSplit * b, bh = bs - (bs - b), bl = b - bh;
-    return {p, (((ah * bh - p) + ah * bl) + al * bh) + al * bl};
+    DD r;
+    elementary::trig::two_product(a, b, r.hi, r.lo);
+    return r;
 }
 
 // atan2(y, x) as a double-double, for finite parts not both zero; relative

@@ -1284,7 +1284,7 @@ constexpr Reference kReferences[] = {
     {"g_csqrt", complex_sqrt, {kAnyPart4, kAnyPart4}, kComplexHard<true>, 0.71},
     {"g_cdlog", complex_log, {kAnyPart8, kAnyPart8}, kComplexHard<false>, 0.72},
     {"g_clog", complex_log, {kAnyPart4, kAnyPart4}, kComplexHard<true>, 0.71},
-    {"g_cdexp", complex_exp, {interval(-745.1, 709.0), interval(-3.5e15, 3.5e15)}, kComplexExpHard<false>, 1.2},
+    {"g_cdexp", complex_exp, {interval(-745.1, 709.0), interval(-3.5e15, 3.5e15)}, kComplexExpHard<false>, 1.4},
     {"g_cexp", complex_exp, {interval(-103.9, 88.7), interval(-822999.0, 822999.0)}, kComplexExpHard<true>, 0.71},
     {"g_axxx", complex_pow, {interval(-1e3, 1e3), interval(-1e3, 1e3), interval(-64, 64), interval(-64, 64)},
      kComplexPowHard8, 2.0},
