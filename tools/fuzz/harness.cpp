@@ -472,6 +472,8 @@ struct Guarded {
     unsigned char after[16];
 };
 
+}  // namespace
+
 // ---- the matrix exports' arena ------------------------------------------------
 //
 // A matrix export's argument is an 8-byte seed from which the shared
@@ -482,6 +484,11 @@ struct Guarded {
 // too; under ASan everything but the allocations is poisoned as well, so
 // a read outside the operands is a finding.  The outcome is a digest of
 // the data part, which holds no address.
+//
+// That digest is the input's alone only if every byte of the data part
+// outside the case's allocations holds the guard pattern when the export
+// is called, whatever earlier cases did.  Each Harness has its own arena,
+// so that nothing carries over from one Harness to the next either.
 constexpr std::size_t kArenaData = std::size_t{1} << 18, kArenaPointers = 2048, kGapBytes = 32;
 // How far past the case's last allocation stray writes are looked for.
 constexpr std::size_t kTailChecked = 4096;
@@ -489,16 +496,24 @@ constexpr std::size_t kTailChecked = 4096;
 struct MatrixArena {
     alignas(64) unsigned char data[kArenaData];
     alignas(64) unsigned char pointers[kArenaPointers];
-    std::size_t dirty = 0;  // bytes of `data` that may differ from the guard
+    // Every byte of `data` from here on holds the guard pattern: the
+    // generator's writes outside a case are put back at once, and this
+    // mark covers the bytes checked after each call (an export's write
+    // beyond those would be a finding under ASan, which poisons them).
+    std::size_t dirty = 0;
+    MatrixArena() { std::memset(data, kGuardByte, sizeof data); }
 };
-MatrixArena& arena() {
-    static MatrixArena* a = [] {
-        auto* p = new MatrixArena;
-        std::memset(p->data, kGuardByte, sizeof p->data);
-        return p;
-    }();
-    return *a;
+
+Harness::~Harness() = default;
+Harness::Harness(Harness&&) noexcept = default;
+Harness& Harness::operator=(Harness&&) noexcept = default;
+
+MatrixArena& Harness::matrix_arena() {
+    if (!arena_) arena_ = std::make_unique<MatrixArena>();
+    return *arena_;
 }
+
+namespace {
 
 std::string where_in(const tool::MatrixLayout& layout, std::size_t at) {
     const tool::MatrixArea* before = nullptr;
@@ -519,14 +534,30 @@ struct MatrixCheck {
 };
 
 // Builds the case in the arena; false (with a finding) when it cannot.
-bool prepare_matrix(const Row& row, const Value& seed, Value* args, MatrixCheck& m,
+bool prepare_matrix(MatrixArena& a, const Row& row, const Value& seed, Value* args, MatrixCheck& m,
                     std::vector<std::string>& findings) {
-    MatrixArena& a = arena();
     std::memset(a.data, kGuardByte, a.dirty);
     std::uint64_t state;
     std::memcpy(&state, seed.bytes, sizeof state);
     const tool::MatrixArena parts{a.data, kArenaData, a.pointers, kArenaPointers};
-    if (!tool::build_hostile_matrix_case(row, state, args, kMaxArguments, parts, kGapBytes, m.layout)) {
+    const bool built = tool::build_hostile_matrix_case(row, state, args, kMaxArguments, parts, kGapBytes, m.layout);
+    // A draw the generator abandons (it did not fit) has written where the
+    // case it keeps has gaps, and can reach far beyond it.  Left there,
+    // those bytes would be digested by a later, larger case on its first
+    // call and gone on its second (which resets more of the arena): two
+    // results from one input.  Everything but the allocations gets the
+    // guard pattern back.
+    std::size_t at = 0;
+    if (built) {
+        std::vector<tool::MatrixArea> areas = m.layout.areas;
+        std::sort(areas.begin(), areas.end(), [](const auto& x, const auto& y) { return x.begin < y.begin; });
+        for (const tool::MatrixArea& area : areas) {
+            if (area.begin > at) std::memset(a.data + at, kGuardByte, area.begin - at);
+            at = std::max(at, area.end);
+        }
+    }
+    if (m.layout.data_touched > at) std::memset(a.data + at, kGuardByte, m.layout.data_touched - at);
+    if (!built) {
         findings.push_back("no argument block could be built");
         return false;
     }
@@ -542,8 +573,8 @@ bool prepare_matrix(const Row& row, const Value& seed, Value* args, MatrixCheck&
 }
 
 // The checks after the call; the digest of the data part goes to `result`.
-void check_matrix(const MatrixCheck& m, const Value* args, unsigned char* result, std::vector<std::string>& findings) {
-    MatrixArena& a = arena();
+void check_matrix(MatrixArena& a, const MatrixCheck& m, const Value* args, unsigned char* result,
+                  std::vector<std::string>& findings) {
     unpoison(a.data, kArenaData);
     std::vector<bool> may(m.checked, false);
     for (const tool::MatrixArea& w : m.layout.writable)
@@ -563,7 +594,7 @@ void check_matrix(const MatrixCheck& m, const Value* args, unsigned char* result
 // One call of the case's export under the case's flags and handler, with
 // the checks that need no second call.  `alias` is the argument that also
 // serves as the result area, or -1.
-Outcome call(const Case& c, int alias, Stats& stats, std::vector<std::string>& findings) {
+Outcome call(const Case& c, int alias, MatrixArena* arena, Stats& stats, std::vector<std::string>& findings) {
     const Row& row = *c.row;
     Session s;
     s.c = &c;
@@ -604,7 +635,7 @@ Outcome call(const Case& c, int alias, Stats& stats, std::vector<std::string>& f
 
     MatrixCheck m;
     if (matrix) {
-        if (!prepare_matrix(row, c.args[0], args, m, findings)) {
+        if (!prepare_matrix(*arena, row, c.args[0], args, m, findings)) {
             std::memcpy(&jwe_lca, &saved, sizeof saved);
             return Outcome{};
         }
@@ -630,7 +661,7 @@ Outcome call(const Case& c, int alias, Stats& stats, std::vector<std::string>& f
     Outcome o;
     o.size = result_size;
     if (matrix)
-        check_matrix(m, args, o.result, findings);
+        check_matrix(*arena, m, args, o.result, findings);
     else
         std::memcpy(o.result, alias >= 0 ? args[alias].bytes : guarded.value.bytes, result_size);
     o.numbers = s.numbers;
@@ -714,7 +745,8 @@ std::vector<std::string> Harness::run(const Case& c) {
     if (!c.row) return findings;
     ++stats_.inputs;
     const Row& row = *c.row;
-    const Outcome first = call(c, -1, stats_, findings);
+    MatrixArena* arena = facts(row).matrix ? &matrix_arena() : nullptr;
+    const Outcome first = call(c, -1, arena, stats_, findings);
     if (first.capped) ++stats_.capped;
     auto differs = [&](const Outcome& o) { return std::memcmp(o.result, first.result, first.size) != 0; };
 
@@ -723,7 +755,7 @@ std::vector<std::string> Harness::run(const Case& c) {
     Case again = c;
     const bool flags_open = c.enabled == 1 && c.suppress == 0 && !(c.mode & Mode::no_handler);
     if (!first.saw_argument_report && flags_open) again.ieee = c.ieee == 1 ? 0 : 1;
-    const Outcome second = call(again, -1, stats_, findings);
+    const Outcome second = call(again, -1, arena, stats_, findings);
     if (differs(second) || second.numbers != first.numbers)
         findings.push_back("not deterministic" + std::string(again.ieee != c.ieee ? " (589 flipped, read by no report)" : "") +
                            ": " + show_result(row, first.result) + " " + show_numbers(first.numbers) + ", then " +
@@ -736,7 +768,7 @@ std::vector<std::string> Harness::run(const Case& c) {
         Case open = c;
         open.enabled = 1;
         open.suppress = 0;
-        const Outcome o = call(open, -1, stats_, findings);
+        const Outcome o = call(open, -1, arena, stats_, findings);
         bool full = false;
         for (std::int32_t n : o.numbers) full = full || tool::report_form(n) == ReportForm::full;
         if (!full && !o.capped && (differs(o) || o.numbers != first.numbers))
@@ -753,7 +785,7 @@ std::vector<std::string> Harness::run(const Case& c) {
         std::copy(std::begin(first.final_args), std::end(first.final_args), std::begin(fresh.args));
         fresh.script = {};
         fresh.mode &= static_cast<std::uint8_t>(~Mode::aliased);
-        const Outcome f = call(fresh, -1, stats_, findings);
+        const Outcome f = call(fresh, -1, arena, stats_, findings);
         ++stats_.fresh_checks;
         if (!f.capped && std::memcmp(f.result, first.result, first.size) != 0)
             findings.push_back(std::string(first.corrected ? "after the handler's corrections" : "after plain retries") +
@@ -766,7 +798,7 @@ std::vector<std::string> Harness::run(const Case& c) {
         const auto& kinds = facts(row).kinds;
         for (std::size_t k = 0; k < kinds.size(); ++k) {
             if (!through_pointer(row.result) || kinds[k] != row.result) continue;
-            const Outcome o = call(c, static_cast<int>(k), stats_, findings);
+            const Outcome o = call(c, static_cast<int>(k), arena, stats_, findings);
             ++stats_.alias_checks;
             if (differs(o) || o.numbers != first.numbers)
                 findings.push_back("with the result area on argument " + std::to_string(k + 1) + ": " +

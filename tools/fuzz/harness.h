@@ -67,6 +67,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -107,12 +108,18 @@ struct Stats {
     std::uint64_t alias_checks = 0;
 };
 
+// The matrix entries' operands, descriptors and guard bytes (harness.cpp).
+struct MatrixArena;
+
 class Harness {
 public:
     // Every implemented row whose argument kinds the harness can generate.
     Harness();
     // Only these rows (tests plant faulty ones).
     explicit Harness(std::vector<const Row*> rows);
+    ~Harness();
+    Harness(Harness&&) noexcept;
+    Harness& operator=(Harness&&) noexcept;
 
     const std::vector<const Row*>& rows() const { return rows_; }
     // Implemented rows left out, with the reason.
@@ -128,9 +135,12 @@ public:
     const Stats& stats() const { return stats_; }
 
 private:
+    MatrixArena& matrix_arena();
+
     std::vector<const Row*> rows_;
     std::vector<std::pair<const Row*, std::string>> skipped_;
     Stats stats_;
+    std::unique_ptr<MatrixArena> arena_;  // made at the first matrix input
 };
 
 // Why the harness cannot drive a row ("" when it can).

@@ -1194,7 +1194,7 @@ constexpr Reference kReferences[] = {
     {"g_datanq", atanq, {interval(-kDmax, kDmax)}, kAtanHard8, 0.501},
     {"g_dtan2q", atan2q, {interval(-kDmax, kDmax), interval(-kDmax, kDmax)}, kAtan2Hard, 0.501},
     {"g_asin", mpfr_asin, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_asin, kGlibcBits},
-    {"g_acos", mpfr_acos, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_acos, kGlibcBits},
+    {"g_acos", mpfr_acos, {interval(-1.0, 1.0)}, {}, 0.501, kUnbounded, fast_acos, kGlibcBits},
     {"g_atan", mpfr_atan, {interval(-kFmax, kFmax)}, {}, 0.5, kUnbounded, fast_atan, kGlibcBits},
     {"g_atan2", atan2r, {interval(-kFmax, kFmax), interval(-kFmax, kFmax)}, kAtan2Hard, 0.5},
     {"g_asind", asind, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_scaled<fast_asin, kDegreesPerRadian>, kGlibcBits},

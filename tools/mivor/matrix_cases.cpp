@@ -38,6 +38,7 @@ struct Region {
     std::size_t gap = 0;
     std::vector<MatrixArea>* areas = nullptr;
     const char* label = "";  // the name the next allocation is noted under
+    std::size_t reach = 0;   // bytes from the base up to the last one written
     template <class T>
     T* take(std::size_t count) {
         used = (used + 15) & ~std::size_t{15};
@@ -49,6 +50,7 @@ struct Region {
         T* p = reinterpret_cast<T*>(base + used);
         std::memset(static_cast<void*>(p), 0, bytes);
         if (areas) areas->push_back({used, used + bytes, label});
+        reach = std::max(reach, used + bytes);
         used += bytes + gap;
         return p;
     }
@@ -667,6 +669,7 @@ bool build_hostile_matrix_case(const exports::Row& row, std::uint64_t state, exp
     // A draw whose named elements do not fit is drawn again; the last
     // attempt keeps to what always fits.
     constexpr int kAttempts = 8;
+    std::size_t reach = 0;  // over every attempt, the abandoned ones too
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         layout = MatrixLayout{};
         Gen g{state};
@@ -694,6 +697,8 @@ bool build_hostile_matrix_case(const exports::Row& row, std::uint64_t state, exp
             block = hostile_gemv(h);
         else
             return false;
+        reach = std::max(reach, data.reach);
+        layout.data_touched = reach;
         if (block == nullptr || pointers.full || data.full) continue;
         std::memcpy(static_cast<void*>(args), block, block_size);
         layout.block_size = block_size;

@@ -51,6 +51,10 @@ struct MatrixArea {
 struct MatrixLayout {
     std::size_t block_size = 0;        // bytes of the argument block placed over the slots
     std::size_t data_used = 0;         // bytes of the data part the case reaches
+    // Bytes of the data part the generator wrote, counting the draws it
+    // abandoned because they did not fit: those can reach far beyond the
+    // case it keeps, into what becomes its gaps and beyond data_used.
+    std::size_t data_touched = 0;
     std::vector<MatrixArea> areas;     // everything the case allocated
     std::vector<MatrixArea> writable;  // what the export may write
 };
@@ -66,10 +70,12 @@ std::span<const unsigned char> run_matrix_case(const exports::Row& row, std::uin
                                                std::size_t slots, const MatrixArena& arena);
 
 // One hostile case for the fuzzer: draws it from `state`, builds it in
-// `arena` with `gap` bytes left between allocations (the caller fills the
-// data part beforehand, so that they keep its pattern), writes the block
-// over the slots and describes it in `layout`.  Does not call the export.
-// False when the slots are too few.
+// `arena` with `gap` bytes left between allocations, writes the block over
+// the slots and describes it in `layout`.  Does not call the export.  The
+// gaps keep what the caller left in them, except where an abandoned draw
+// wrote (layout.data_touched says how far that goes): a caller that wants
+// its pattern there puts it back.  False when the slots are too few or no
+// draw fits; data_touched is set either way.
 bool build_hostile_matrix_case(const exports::Row& row, std::uint64_t state, exports::Value* args, std::size_t slots,
                                const MatrixArena& arena, std::size_t gap, MatrixLayout& layout);
 
