@@ -5,7 +5,7 @@
 // Each iteration evaluates 1024 independent random arguments of the
 // function's useful range, the same for both.  Where libquadmath has no
 // such function the peer is the obvious composition: expq(x ln10) for
-// 10^x, 1/tanq for the cotangent, sinq(x pi/180) for the degree forms and
+// 10^x, powq(10, y) for 10**y, 1/tanq for the cotangent, sinq(x pi/180) for the degree forms and
 // so on (cheaper and less accurate than a real implementation would be).
 // With --benchmark_repetitions=N the ratios use the fastest repetition.
 #include <benchmark/benchmark.h>
@@ -44,6 +44,7 @@ struct Entry {
 const __float128 kPi = acosq(-1);
 const __float128 kLn10 = logq(10);
 __float128 exp10_peer(__float128 x) { return expq(x * kLn10); }
+__float128 pow10_peer(__float128 y) { return powq(10, y); }
 __float128 cot_peer(__float128 x) { return 1 / tanq(x); }
 const __float128 kDeg = 180 / kPi, kQuad = 2 / kPi;
 __float128 atand_peer(__float128 x) { return atanq(x) * kDeg; }
@@ -105,6 +106,10 @@ const Entry kEntries[] = {
     {"cosq", g_qcosq, nullptr, cosq_peer, nullptr, -8, 8, false, false},
     {"tanq", g_qtanq, nullptr, tanq_peer, nullptr, -8, 8, false, false},
     {"cotq", g_qcotq, nullptr, cotq_peer, nullptr, -8, 8, false, false},
+    // The real powers: x log-uniform over 2^-60 .. 2^60, y in [0.5, 4.5].
+    {"pow", nullptr, g_aqxq, nullptr, powq, -60, 60, true, false},
+    {"pow2", g_a2xq, nullptr, exp2q, nullptr, -16000, 16000, false, false},
+    {"pow10", g_atxq, nullptr, pow10_peer, nullptr, -4900, 4900, false, false},
 };
 
 struct Args {

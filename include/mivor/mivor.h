@@ -252,10 +252,13 @@ MIVOR_API mivor_complex16 *g_azxi(mivor_complex16 *result, const mivor_complex16
 MIVOR_API mivor_complex16 *g_azxj(mivor_complex16 *result, const mivor_complex16 *a0, const int64_t *a1);
 MIVOR_API float g_arxr(const float *a0, const float *a1);
 MIVOR_API double g_adxd(const double *a0, const double *a1);
+MIVOR_API mivor_real16 *g_aqxq(mivor_real16 *result, const mivor_real16 *a0, const mivor_real16 *a1);
 MIVOR_API float g_a2xr(const float *a0);
 MIVOR_API double g_a2xd(const double *a0);
+MIVOR_API mivor_real16 *g_a2xq(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API float g_atxr(const float *a0);
 MIVOR_API double g_atxd(const double *a0);
+MIVOR_API mivor_real16 *g_atxq(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API mivor_complex4 *g_acxc(mivor_complex4 *result, const mivor_complex4 *a0, const mivor_complex4 *a1);
 MIVOR_API mivor_complex8 *g_axxx(mivor_complex8 *result, const mivor_complex8 *a0, const mivor_complex8 *a1);
 

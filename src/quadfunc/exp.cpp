@@ -176,4 +176,28 @@ Wide exp10_kernel(const Wide& x) {
     return exp_reduced(k, reduce_ln2(X, k));
 }
 
+namespace {
+
+// 10^n for an integer 0 <= n <= 55 (5^n < 2^128), exactly.
+Wide exact_power_of_ten(std::uint32_t n) {
+    U128 p{0, 1};
+    for (std::uint32_t i = 0; i < n; ++i) p = add(shl(p, 2), p);
+    return scaled(from_fixed(p, 0), static_cast<std::int32_t>(n));
+}
+
+// x an integer 0 <= x <= 55: its value, else -1.
+int small_integer(const Wide& x) {
+    if (x.neg || x.e < 1 || x.e > 6) return -1;
+    if (!is_zero(shl(x.m, x.e))) return -1;  // fraction bits
+    const auto v = static_cast<int>(x.m.hi >> (64 - x.e));
+    return v <= 55 ? v : -1;
+}
+
+}  // namespace
+
+Wide exp10_exact_integers(const Wide& x) {
+    const int n = small_integer(x);
+    return n >= 0 ? exact_power_of_ten(static_cast<std::uint32_t>(n)) : exp10_kernel(x);
+}
+
 }  // namespace mivor::quadfunc

@@ -54,6 +54,9 @@ Rounded exp_near_zero(const Wide& x);
 // 2^x and 10^x for finite binary128 x with |x| < 2^14 and 2^13.
 Wide exp2_kernel(const Wide& x);
 Wide exp10_kernel(const Wide& x);
+// The same 10^x, exact for the integers 0..55 (5^55 < 2^128), so that
+// the one rounding decides the ties among them (10^49: 5^49 has 114 bits).
+Wide exp10_exact_integers(const Wide& x);
 
 // ---- logarithm ----------------------------------------------------------
 

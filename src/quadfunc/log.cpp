@@ -13,14 +13,16 @@
 //
 // Two forms of the sum.  Away from 1 (n != 0 or c != 4096) every term goes
 // into S.176: n ln2 (ln2 rounded to 2^-177, times |n| <= 2^14.1: 2^-162.9),
-// ln_c (2^-177), z (exact) and z (z q) (z rounded to S.134 for these
-// products, 2^-135 times |z q| < 2^-8.3; z q rounded in S.133, times z;
-// z (z q) rounded in S.139: 2^-139.4 in all; the Horner result 0.51 units
-// of 2^-127 times z^2 <= 2^-16.6: 2^-144.6; the fit 2^-137 |z| <= 2^-145.3):
-// at most 2^-139.2 absolute.  The result is then at least ln(1 + 2^-8.5) >
-// 2^-8.6 in magnitude (the rows next to 1 begin 1/512 away from it), so
-// the sum holds it within 2^-130.6 relative, and one rounding to the
-// working format adds 2^-128.  Near 1 (n = 0, c = 4096)
+// ln_c (2^-177), z (exact) and z (z q): z q from the full product of q and
+// z rounded to S.134 (that rounding, 2^-135 times |q| < 0.51, and z q's
+// own rounding to S.135, 2^-136, each times |z| <= 2^-8: 2^-143 in all),
+// then the full product with the exact z rounded once to S.176; the Horner
+// result 0.51 units of 2^-127 times z^2 <= 2^-16: 2^-144; the fit 2^-137
+// |z| <= 2^-145: at most 2^-142.1 absolute.  The result is then at least
+// ln(1 + 2^-8.5) > 2^-8.6 in magnitude (the rows next to 1 begin 1/512
+// away from it), so the sum holds it within 2^-133.5 relative, and one
+// rounding to the working format adds 2^-128.  (The real powers multiply
+// this sum by exponents up to 2^22: its absolute error is what they keep.)  Near 1 (n = 0, c = 4096)
 // ln x = z (1 + z q) is formed in the working format: z exact, 1 + z q
 // rounded in Q1.127 (2^-128) plus the small terms above relative to z,
 // then one product (2^-128): 2^-126.9 relative in all.
@@ -51,7 +53,6 @@ LogResult log_kernel(const Wide& x) {
     // z in S.134, rounded (|z| <= 2^-8: fits).
     const U128 z134 = add64(U128{(Z.w2 << 22) | (Z.w1 >> 42), (Z.w1 << 22) | (Z.w0 >> 42)}, (Z.w0 >> 41) & 1);
     const U128 q = horner_s127(kLogPoly, 14, z134, 6);
-    const U128 zq = mul_hi_signed(q, z134);  // S.133
 
     LogResult result{};
     if (n == 0 && row.c == 4096) {
@@ -60,10 +61,19 @@ LogResult log_kernel(const Wide& x) {
         result.tail = mul(result.z, mul(result.z, from_signed_fixed(q, 127)));
         return result;
     }
-    // z (z q) in S.139, then to S.176 (sign extended).
-    const U128 zzq = mul_hi_signed(z134, zq);
-    const U192 tail{static_cast<std::uint64_t>(static_cast<std::int64_t>(zzq.hi) >> 27),
-                    (zzq.hi << 37) | (zzq.lo >> 27), zzq.lo << 37};
+    // z q in S.135 from the full product of magnitudes (S.261 >> 126,
+    // rounded; |z q| < 2^-8.9 fits), then z (z q) = |Z| |z q| in S.311,
+    // shifted right by 135 to S.176 and rounded.  Its sign is q's.
+    const bool qn = negative(q), zn = negative(z134);
+    const U256 pq = mul_full(qn ? neg(q) : q, zn ? neg(z134) : z134);
+    const U128 zq135 = add64(U128{(pq.w3 << 2) | (pq.w2 >> 62), (pq.w2 << 2) | (pq.w1 >> 62)}, (pq.w1 >> 61) & 1);
+    const U192 az = negative(Z) ? neg(Z) : Z;
+    const std::uint64_t zw[3] = {az.w2, az.w1, az.w0};
+    std::uint64_t acc[5] = {};
+    multiply_accumulate(zq135, zw, 3, acc);
+    U192 tail = add(U192{acc[4] >> 7, (acc[4] << 57) | (acc[3] >> 7), (acc[3] << 57) | (acc[2] >> 7)},
+                    U192{0, 0, (acc[2] >> 6) & 1});
+    if (qn) tail = neg(tail);
     const std::uint64_t an = n < 0 ? 0 - static_cast<std::uint64_t>(static_cast<std::int64_t>(n))
                                    : static_cast<std::uint64_t>(n);
     const U192 nln2 = mul_low(kLn2S176, an);

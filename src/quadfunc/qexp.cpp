@@ -38,21 +38,6 @@ constexpr Error overflow_error(Base b) {
     return b == Base::e ? Error::exp_overflow_r16 : b == Base::two ? Error::exp2_overflow_r16 : Error::exp10_overflow_r16;
 }
 
-// 10^n for an integer 0 <= n <= 55 (5^n < 2^128), exactly.
-Wide exact_power_of_ten(std::uint32_t n) {
-    U128 p{0, 1};
-    for (std::uint32_t i = 0; i < n; ++i) p = add(shl(p, 2), p);
-    return scaled(from_fixed(p, 0), static_cast<std::int32_t>(n));
-}
-
-// x is an integer 0 <= x <= 55: its value, else -1.
-int small_integer(const Wide& x) {
-    if (x.neg || x.e < 1 || x.e > 6) return -1;
-    if (!is_zero(shl(x.m, x.e))) return -1;  // fraction bits
-    const auto v = static_cast<int>(x.m.hi >> (64 - x.e));
-    return v <= 55 ? v : -1;
-}
-
 template <Base base>
 Pass exp_pass(Real16 x) {
     switch (kind_of(x)) {
@@ -77,8 +62,7 @@ Pass exp_pass(Real16 x) {
     } else if constexpr (base == Base::two) {
         y = exp2_kernel(w);
     } else {
-        const int n = small_integer(w);
-        y = n >= 0 ? exact_power_of_ten(static_cast<std::uint32_t>(n)) : exp10_kernel(w);
+        y = exp10_exact_integers(w);
     }
     const Rounded r = round_to_real16(y);
     if (r.overflow) return report::fail(overflow_error(base), _Inf_Q, kHuge_Q);

@@ -970,6 +970,96 @@ constexpr Range kQExp10Hard[] = {
     {"tiny 2^-116 .. 2^-100", log_uniform(0x1p-116, 0x1p-100, both_signs)},
     {"near integers", near_multiples(-4900, 4900, nullptr, 1)},
 };
+// REAL(16) x**y: pairs drawn in MPFR, so that both operands carry all 113
+// bits: x = 2^u (or 1 + s 2^u next to 1) and y = E / ln x for a target
+// exponent E, both rounded to REAL(16).
+struct QPowDraw {
+    Draw& d;
+    const mpfr_ptr* c;
+    double uniform(double lo, double hi) { return lo + (hi - lo) * d.unit(); }
+    double sign() { return d.unit() < 0.5 ? -1.0 : 1.0; }
+    void x_power_of_two(double u) {
+        mpfr_set_d(c[0], u, MPFR_RNDN);
+        mpfr_exp2(c[0], c[0], MPFR_RNDN);
+        d.round(0, c[0]);
+    }
+    void x_next_to_one(double u, double s) {
+        x_power_of_two(u);
+        if (s < 0) mpfr_neg(c[0], c[0], MPFR_RNDN);
+        mpfr_add_ui(c[0], c[0], 1, MPFR_RNDN);
+        d.round(0, c[0]);
+    }
+    void y_for(double e) {
+        mpfr_t l;
+        mpfr_init2(l, 256);
+        mpfr_log(l, c[0], MPFR_RNDN);
+        mpfr_set_d(c[1], e, MPFR_RNDN);
+        mpfr_div(c[1], c[1], l, MPFR_RNDN);
+        d.round(1, c[1]);
+        mpfr_clear(l);
+    }
+};
+constexpr double kQLnHuge = 11356.5, kQLnTiny = -11355.1;
+// x over every positive value, |y ln x| uniform below the range's end.
+void qpow_random(Draw& d, const mpfr_ptr* c) {
+    QPowDraw p{d, c};
+    p.x_power_of_two(p.uniform(-16382, 16384));
+    p.y_for(p.sign() * p.uniform(0, 11355));
+}
+// x next to 1 (within 2^-9), y large: log x carries the whole result.
+void qpow_near_one(Draw& d, const mpfr_ptr* c) {
+    QPowDraw p{d, c};
+    p.x_next_to_one(p.uniform(-112, -9), p.sign());
+    p.y_for(p.sign() * p.uniform(0, 11355));
+}
+// The logarithm's rows next to 1 (|ln x| from 2^-9 to 1/2), |y ln x|
+// large: where the error of ln x weighs most.
+void qpow_rows_near_one(Draw& d, const mpfr_ptr* c) {
+    QPowDraw p{d, c};
+    p.x_next_to_one(p.uniform(-8.6, -1.5), p.sign());
+    p.y_for(p.sign() * p.uniform(4000, 11355));
+}
+void qpow_near_overflow(Draw& d, const mpfr_ptr* c) {
+    QPowDraw p{d, c};
+    p.x_power_of_two(p.sign() * p.uniform(0.01, 16383));
+    p.y_for(p.uniform(11340, kQLnHuge));
+}
+void qpow_near_underflow(Draw& d, const mpfr_ptr* c) {
+    QPowDraw p{d, c};
+    p.x_power_of_two(p.sign() * p.uniform(0.01, 16383));
+    p.y_for(p.uniform(kQLnTiny, -11340));
+}
+// Integral x and y, results often exact or halfway (78125**7).
+void qpow_small_integers(Draw& d, const mpfr_ptr* c) {
+    QPowDraw p{d, c};
+    const double x = std::nearbyint(std::exp2(p.uniform(1, 24)));
+    mpfr_set_d(c[0], x, MPFR_RNDN);
+    mpfr_set_d(c[1], std::trunc(p.uniform(-1, 1) * std::min(120.0, 0.85 * 11355 / std::log(x))), MPFR_RNDN);
+}
+// Tiny exponents (results next to 1) and subnormal bases.
+void qpow_tiny_exponent(Draw& d, const mpfr_ptr* c) {
+    QPowDraw p{d, c};
+    p.x_power_of_two(p.uniform(-16382, 16384));
+    mpfr_set_d(c[1], p.sign() * std::exp2(p.uniform(-120, -10)), MPFR_RNDN);
+    mpfr_exp2(c[1], c[1], MPFR_RNDN);  // y = 2^t - 1 for a tiny t: all 113 bits
+    mpfr_sub_ui(c[1], c[1], 1, MPFR_RNDN);
+    d.round(1, c[1]);
+}
+void qpow_subnormal_base(Draw& d, const mpfr_ptr* c) {
+    QPowDraw p{d, c};
+    p.x_power_of_two(p.uniform(-16445, -16382));
+    p.y_for(p.sign() * p.uniform(0, 11355));
+}
+constexpr Range kQPowPairs[] = {
+    Range{"results over the whole range", qpow_random}.times(50),
+    {"x within 2^-9 of 1, large y", qpow_near_one},
+    {"|ln x| in [2^-9, 1/2], |y ln x| > 4000", qpow_rows_near_one},
+    {"results near overflow", qpow_near_overflow},
+    {"results near 2^-16382", qpow_near_underflow},
+    {"integral x and y", qpow_small_integers},
+    {"tiny y", qpow_tiny_exponent},
+    {"subnormal x", qpow_subnormal_base},
+};
 constexpr Range kQLogHard[] = {
     {"uniform in (0, 4]", uniform(0, 4)},
     {"near 1: [0.99, 1.01]", bits(0.99, 1.01)},
@@ -1316,6 +1406,13 @@ constexpr Reference kReferences[] = {
     {"g_qexp", mpfr_exp, {interval(-11355.13, 11356.52)}, kQExpHard, 0.51},
     {"g_qexp2", mpfr_exp2, {interval(-16382, 16383.999)}, kQExp2Hard, 0.51},
     {"g_qexp10", q_exp10, {interval(-4931.47, 4932.07)}, kQExp10Hard, 0.51},
+    {"g_a2xq", mpfr_exp2, {interval(-16382, 16383.999)}, kQExp2Hard, 0.51},
+    {"g_atxq", q_exp10, {interval(-4931.47, 4932.07)}, kQExp10Hard, 0.51},
+    // x**y: the error of ln x weighs most where |ln x| is small and |y ln x|
+    // large (see power/quad_real_powers.cpp).  Results that MPFR finds in
+    // the subnormal band are zeros by design (REAL(16) results are never
+    // subnormal): up to 2^112 units of the least subnormal.
+    {"g_aqxq", mpfr_pow, {interval(0x1p-16445L, kQmax), magnitudes(0x1p-130L, 0x1p130L)}, kQPowPairs, 0.502, 0x1p112},
     {"g_qlog", mpfr_log, {interval(0x1p-16445L, kQmax)}, kQLogHard, 0.51},
     {"g_qlog2", mpfr_log2, {interval(0x1p-16445L, kQmax)}, kQLogHard, 0.51},
     {"g_qlog10", mpfr_log10, {interval(0x1p-16445L, kQmax)}, kQLogHard, 0.51},
