@@ -259,6 +259,8 @@ MIVOR_API mivor_real16 *g_a2xq(mivor_real16 *result, const mivor_real16 *a0);
 MIVOR_API float g_atxr(const float *a0);
 MIVOR_API double g_atxd(const double *a0);
 MIVOR_API mivor_real16 *g_atxq(mivor_real16 *result, const mivor_real16 *a0);
+MIVOR_API mivor_complex4 *g_acxc(mivor_complex4 *result, const mivor_complex4 *a0, const mivor_complex4 *a1);
+MIVOR_API mivor_complex8 *g_axxx(mivor_complex8 *result, const mivor_complex8 *a0, const mivor_complex8 *a1);
 MIVOR_API mivor_complex16 *g_azxz(mivor_complex16 *result, const mivor_complex16 *a0, const mivor_complex16 *a1);
 
 /* complex */
@@ -268,9 +270,17 @@ MIVOR_API mivor_complex8 *g_axmx(mivor_complex8 *result, const mivor_complex8 *a
 MIVOR_API mivor_complex8 *g_axdx(mivor_complex8 *result, const mivor_complex8 *a0, const mivor_complex8 *a1);
 MIVOR_API mivor_complex16 *g_azmz(mivor_complex16 *result, const mivor_complex16 *a0, const mivor_complex16 *a1);
 MIVOR_API mivor_complex16 *g_azdz(mivor_complex16 *result, const mivor_complex16 *a0, const mivor_complex16 *a1);
+MIVOR_API float g_cabs(const mivor_complex4 *a0);
+MIVOR_API double g_cdabs(const mivor_complex8 *a0);
 MIVOR_API mivor_real16 *g_cqabs(mivor_real16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_complex4 *g_csqrt(mivor_complex4 *result, const mivor_complex4 *a0);
+MIVOR_API mivor_complex8 *g_cdsqrt(mivor_complex8 *result, const mivor_complex8 *a0);
 MIVOR_API mivor_complex16 *g_cqsqrt(mivor_complex16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_complex4 *g_cexp(mivor_complex4 *result, const mivor_complex4 *a0);
+MIVOR_API mivor_complex8 *g_cdexp(mivor_complex8 *result, const mivor_complex8 *a0);
 MIVOR_API mivor_complex16 *g_cqexp(mivor_complex16 *result, const mivor_complex16 *a0);
+MIVOR_API mivor_complex4 *g_clog(mivor_complex4 *result, const mivor_complex4 *a0);
+MIVOR_API mivor_complex8 *g_cdlog(mivor_complex8 *result, const mivor_complex8 *a0);
 MIVOR_API mivor_complex16 *g_cqlog(mivor_complex16 *result, const mivor_complex16 *a0);
 MIVOR_API mivor_complex4 *g_csin(mivor_complex4 *result, const mivor_complex4 *a0);
 MIVOR_API mivor_complex4 *g_ccos(mivor_complex4 *result, const mivor_complex4 *a0);

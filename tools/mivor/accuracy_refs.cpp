@@ -503,7 +503,7 @@ mpfr_prec_t work_prec(mpfr_srcptr r) { return mpfr_get_prec(r) + 128; }
 // ln|z| for z != 0 without losing digits near |z| = 1: x^2 + y^2 exactly
 // (twice the parts' precision), its distance from 1 to the working
 // precision (relative), then log1p, halved.
-void log_modulus(mpfr_ptr out, mpfr_srcptr x, mpfr_srcptr y, mpfr_prec_t w) {
+void quad_log_modulus(mpfr_ptr out, mpfr_srcptr x, mpfr_srcptr y, mpfr_prec_t w) {
     mpfr_t s, t, m, d;
     const mpfr_prec_t exact = 2 * (mpfr_get_prec(x) > mpfr_get_prec(y) ? mpfr_get_prec(x) : mpfr_get_prec(y)) + 2;
     mpfr_inits2(exact, s, t, m, static_cast<mpfr_ptr>(nullptr));
@@ -523,7 +523,7 @@ void log_modulus(mpfr_ptr out, mpfr_srcptr x, mpfr_srcptr y, mpfr_prec_t w) {
     mpfr_clears(s, t, m, d, static_cast<mpfr_ptr>(nullptr));
 }
 
-bool complex_sqrt(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+bool quad_complex_sqrt(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
     Work t(work_prec(re) + 64);
     // t = sqrt((|x| + |z|)/2); (t, y/2t) for x >= 0, (|y|/2t, +-t) else.
     mpfr_hypot(t[0], x[0], x[1], MPFR_RNDN);
@@ -541,7 +541,7 @@ bool complex_sqrt(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
     return false;
 }
 
-bool complex_exp(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+bool quad_complex_exp(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
     Work t(work_prec(re));
     mpfr_exp(t[0], x[0], MPFR_RNDN);
     mpfr_sin_cos(t[1], t[2], x[1], MPFR_RNDN);
@@ -550,9 +550,9 @@ bool complex_exp(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
     return false;
 }
 
-bool complex_log(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+bool quad_complex_log(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
     Work t(work_prec(re));
-    log_modulus(t[0], x[0], x[1], work_prec(re));
+    quad_log_modulus(t[0], x[0], x[1], work_prec(re));
     mpfr_set(re, t[0], MPFR_RNDN);
     mpfr_atan2(im, x[1], x[0], MPFR_RNDN);
     return false;
@@ -591,11 +591,11 @@ bool quad_complex_sin_cos(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
 
 // z^w = exp(w log z), log z and the product with 64 more bits than the
 // result's exponent can need (|w log z| < 2^15 where the result is finite).
-bool complex_pow(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+bool quad_complex_pow(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
     const mpfr_prec_t w = work_prec(re) + 64;
     Work t(w);
     Work u(w);
-    log_modulus(t[0], x[0], x[1], w);
+    quad_log_modulus(t[0], x[0], x[1], w);
     mpfr_atan2(t[1], x[1], x[0], MPFR_RNDN);
     // p = (c + i d)(lr + i li).
     mpfr_mul(u[0], x[2], t[0], MPFR_RNDN);
@@ -728,6 +728,164 @@ bool conjugate(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
     mpfr_neg(im, x[1], MPFR_RNDN);
     return true;
 }
+
+// ---- complex elementary functions and powers -----------------------------------
+
+// MPFR has no complex type: the references are built from its real
+// functions at a working precision far above the result's.  The precision
+// of the parts (re, im) is the result's; every intermediate value below
+// carries kExtra bits more (and the angle of a power as many more as its
+// size needs), so that the final roundings decide.
+constexpr mpfr_prec_t kExtra = 128;
+
+struct Scratch {
+    mpfr_t v[6];
+    explicit Scratch(mpfr_prec_t p) {
+        for (mpfr_t& t : v) mpfr_init2(t, p);
+    }
+    ~Scratch() {
+        for (mpfr_t& t : v) mpfr_clear(t);
+    }
+};
+
+// log|x + iy| = log(x^2 + y^2)/2, and between 1/2 and 2 log1p(x^2 + y^2 -
+// 1)/2 with x^2 + y^2 - 1 correctly rounded to p bits by mpfr_sum of the
+// exact squares: no cancellation is lost next to |z| = 1.
+void log_modulus(mpfr_ptr out, mpfr_srcptr x, mpfr_srcptr y, mpfr_prec_t p) {
+    mpfr_t xx, yy, m1, d;
+    mpfr_init2(xx, 2 * mpfr_get_prec(x));
+    mpfr_init2(yy, 2 * mpfr_get_prec(y));
+    mpfr_init2(m1, 2);
+    mpfr_init2(d, p);
+    mpfr_sqr(xx, x, MPFR_RNDN);  // exact
+    mpfr_sqr(yy, y, MPFR_RNDN);
+    mpfr_set_si(m1, -1, MPFR_RNDN);
+    mpfr_ptr terms[3] = {xx, yy, m1};
+    mpfr_add(d, xx, yy, MPFR_RNDN);
+    if (mpfr_cmp_d(d, 0.5) >= 0 && mpfr_cmp_ui(d, 2) <= 0) {
+        mpfr_sum(d, terms, 3, MPFR_RNDN);
+        mpfr_log1p(out, d, MPFR_RNDN);
+    } else {
+        mpfr_log(out, d, MPFR_RNDN);
+    }
+    mpfr_div_2ui(out, out, 1, MPFR_RNDN);
+    mpfr_clears(xx, yy, m1, d, static_cast<mpfr_ptr>(nullptr));
+}
+
+bool complex_exp(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    Scratch s(mpfr_get_prec(re) + kExtra);
+    mpfr_exp(s.v[0], x[0], MPFR_RNDN);
+    mpfr_sin_cos(s.v[1], s.v[2], x[1], MPFR_RNDN);
+    mpfr_mul(re, s.v[0], s.v[2], MPFR_RNDN);
+    mpfr_mul(im, s.v[0], s.v[1], MPFR_RNDN);
+    return false;
+}
+
+bool complex_log(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    Scratch s(mpfr_get_prec(re) + kExtra);
+    log_modulus(s.v[0], x[0], x[1], mpfr_get_prec(re) + kExtra);
+    mpfr_set(re, s.v[0], MPFR_RNDN);
+    mpfr_atan2(im, x[1], x[0], MPFR_RNDN);
+    return false;
+}
+
+// sqrt z: t = sqrt((|z| + |x|)/2) (no cancellation), the other part
+// |y|/2t; x < 0 swaps them, the imaginary part takes the sign of y.
+bool complex_sqrt(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    Scratch s(mpfr_get_prec(re) + kExtra);
+    mpfr_hypot(s.v[0], x[0], x[1], MPFR_RNDN);
+    mpfr_abs(s.v[1], x[0], MPFR_RNDN);
+    mpfr_add(s.v[0], s.v[0], s.v[1], MPFR_RNDN);
+    mpfr_div_2ui(s.v[0], s.v[0], 1, MPFR_RNDN);
+    mpfr_sqrt(s.v[0], s.v[0], MPFR_RNDN);  // t
+    mpfr_abs(s.v[1], x[1], MPFR_RNDN);
+    mpfr_div(s.v[1], s.v[1], s.v[0], MPFR_RNDN);
+    mpfr_div_2ui(s.v[1], s.v[1], 1, MPFR_RNDN);  // |y|/2t
+    const bool negative_x = mpfr_sgn(x[0]) < 0;
+    mpfr_set(re, negative_x ? s.v[1] : s.v[0], MPFR_RNDN);
+    mpfr_set(im, negative_x ? s.v[0] : s.v[1], MPFR_RNDN);
+    mpfr_setsign(im, im, mpfr_signbit(x[1]), MPFR_RNDN);
+    return false;
+}
+
+// z^w = e^(w log z): the angle a theta + b log|z| with as many more bits
+// as its integer part has, so that its reduction modulo 2 pi keeps kExtra.
+bool complex_pow(mpfr_ptr re, mpfr_ptr im, const mpfr_srcptr* x) {
+    const mpfr_prec_t p = mpfr_get_prec(re) + kExtra + 1100;
+    Scratch s(p);
+    log_modulus(s.v[0], x[0], x[1], p);  // L
+    mpfr_atan2(s.v[1], x[1], x[0], MPFR_RNDN);  // theta
+    mpfr_mul(s.v[2], x[2], s.v[0], MPFR_RNDN);
+    mpfr_mul(s.v[3], x[3], s.v[1], MPFR_RNDN);
+    mpfr_sub(s.v[2], s.v[2], s.v[3], MPFR_RNDN);  // a L - b theta
+    mpfr_mul(s.v[3], x[2], s.v[1], MPFR_RNDN);
+    mpfr_mul(s.v[4], x[3], s.v[0], MPFR_RNDN);
+    mpfr_add(s.v[3], s.v[3], s.v[4], MPFR_RNDN);  // a theta + b L
+    mpfr_exp(s.v[2], s.v[2], MPFR_RNDN);
+    mpfr_sin_cos(s.v[4], s.v[5], s.v[3], MPFR_RNDN);
+    mpfr_mul(re, s.v[2], s.v[5], MPFR_RNDN);
+    mpfr_mul(im, s.v[2], s.v[4], MPFR_RNDN);
+    return false;
+}
+
+// Pairs on the unit circle, (cos t, sin t) rounded: |z| within an ulp of 1.
+template <bool single>
+void on_unit_circle(Draw& d, const mpfr_ptr* c) {
+    d.axis(0, uniform(-3.14159L, 3.14159L), c[0]);
+    mpfr_t t;
+    mpfr_init2(t, 64);
+    mpfr_set(t, c[0], MPFR_RNDN);
+    mpfr_sin_cos(c[1], c[0], t, MPFR_RNDN);
+    mpfr_clear(t);
+    d.round(0, c[0]);
+    d.round(1, c[1]);
+}
+// (x, y) with x^2 + y^2 within a few ulps of 1 and one part tiny.
+void near_one_tiny_part(Draw& d, const mpfr_ptr* c) {
+    d.axis(1, log_uniform(0x1p-40L, 0x1p-10L, both_signs), c[1]);
+    mpfr_sqr(c[0], c[1], MPFR_RNDN);
+    mpfr_ui_sub(c[0], 1, c[0], MPFR_RNDN);
+    mpfr_sqrt(c[0], c[0], MPFR_RNDN);
+    d.round(0, c[0]);
+    d.step(0, c[0], static_cast<long>(d.unit() * 8) - 4);
+    if (d.unit() < 0.5) mpfr_neg(c[0], c[0], MPFR_RNDN);
+}
+
+constexpr Axis kAnyPart8 = interval(-kDmax, kDmax);
+constexpr Axis kAnyPart4 = interval(-kFmax, kFmax);
+
+template <bool single>
+constexpr Range kComplexHard[] = {
+    {"|z| next to 1", on_unit_circle<single>},
+    {"|z| next to 1, a tiny part", near_one_tiny_part},
+    {"huge parts", log_uniform(single ? 0x1p100L : 0x1p1000L, single ? kFmax : kDmax, both_signs),
+     log_uniform(1, single ? kFmax : kDmax, both_signs)},
+    {"tiny parts", log_uniform(single ? 0x1p-149L : 0x1p-1074L, single ? 0x1p-100L : 0x1p-1000L, both_signs),
+     log_uniform(single ? 0x1p-149L : 0x1p-1074L, 1, both_signs)},
+    {"the branch cut: x < 0, y tiny", log_uniform(0x1p-3L, 0x1p3L), log_uniform(single ? 0x1p-149L : 0x1p-1074L, 0x1p-30L, both_signs)},
+    {"parts of very different size", log_uniform(0x1p-20L, 0x1p20L, both_signs), log_uniform(0x1p-80L, 0x1p-40L, both_signs)},
+};
+template <bool single>
+constexpr Range kComplexExpHard[] = {
+    {"near overflow", uniform(single ? 80.0L : 700.0L, single ? 88.7L : 709.7L), uniform(-6.3L, 6.3L)},
+    {"subnormal parts", uniform(single ? -103.9L : -745.1L, single ? -87.0L : -707.0L), uniform(-6.3L, 6.3L)},
+    {"y next to multiples of pi/2", uniform(-5, 5), near_multiples(1, 2000, mpfr_const_pi, 0.5)},
+    {"tiny y", uniform(-5, 5), log_uniform(single ? 0x1p-149L : 0x1p-1074L, 0x1p-20L, both_signs)},
+    {"large y", uniform(-5, 5), log_uniform(0x1p20L, single ? 822999.0L : 3.5e15L, both_signs)},
+};
+// Powers: bases near the unit circle to large exponents, real powers of
+// positive reals, bases far from 1 to exponents near overflow.
+constexpr Range kComplexPowHard8[] = {
+    {"|z| near 1, |w| to 2^10", uniform(-1.5L, 1.5L), uniform(-1.5L, 1.5L), log_uniform(0x1p-4L, 0x1p10L, both_signs),
+     log_uniform(0x1p-4L, 0x1p10L, both_signs)},
+    {"real z > 0, real w", log_uniform(0x1p-20L, 0x1p20L), bits(0, 0), uniform(-30, 30), bits(0, 0)},
+    {"moderate parts", uniform(-4, 4), uniform(-4, 4), uniform(-40, 40), uniform(-40, 40)},
+};
+constexpr Range kComplexPowHard4[] = {
+    {"|z| near 1, |w| to 2^6", uniform(-1.5L, 1.5L), uniform(-1.5L, 1.5L), log_uniform(0x1p-4L, 0x1p6L, both_signs),
+     log_uniform(0x1p-4L, 0x1p6L, both_signs)},
+    {"real z > 0, real w", log_uniform(0x1p-10L, 0x1p10L), bits(0, 0), uniform(-10, 10), bits(0, 0)},
+};
 
 // ---- NEAREST -------------------------------------------------------------------
 
@@ -1475,6 +1633,20 @@ constexpr Reference kReferences[] = {
     {"g_arxj", mpfr_pow, {kPowerBase, kPowerInt8}, kPowerHard4},
     {"g_adxi", mpfr_pow, {kPowerBase, kPowerInt4}, kPowerHard8},
     {"g_adxj", mpfr_pow, {kPowerBase, kPowerInt8}, kPowerHard8Long},
+    // Complex elementary functions and powers (per part; see the file
+    // headers in src/complex for the bounds).
+    {"g_cdabs", mpfr_hypot, {kAnyPart8, kAnyPart8}, kComplexHard<false>, 0.51},
+    {"g_cabs", mpfr_hypot, {kAnyPart4, kAnyPart4}, kComplexHard<true>, 0.51},
+    {"g_cdsqrt", complex_sqrt, {kAnyPart8, kAnyPart8}, kComplexHard<false>, 0.72},
+    {"g_csqrt", complex_sqrt, {kAnyPart4, kAnyPart4}, kComplexHard<true>, 0.71},
+    {"g_cdlog", complex_log, {kAnyPart8, kAnyPart8}, kComplexHard<false>, 0.72},
+    {"g_clog", complex_log, {kAnyPart4, kAnyPart4}, kComplexHard<true>, 0.71},
+    {"g_cdexp", complex_exp, {interval(-745.1, 709.0), interval(-3.5e15, 3.5e15)}, kComplexExpHard<false>, 1.4},
+    {"g_cexp", complex_exp, {interval(-103.9, 88.7), interval(-822999.0, 822999.0)}, kComplexExpHard<true>, 0.71},
+    {"g_axxx", complex_pow, {interval(-1e3, 1e3), interval(-1e3, 1e3), interval(-64, 64), interval(-64, 64)},
+     kComplexPowHard8, 2.0},
+    {"g_acxc", complex_pow, {interval(-1e3, 1e3), interval(-1e3, 1e3), interval(-8, 8), interval(-8, 8)},
+     kComplexPowHard4, 0.71},
     // Real powers: one rounding of a double-double power.
     {"g_a2xd", mpfr_exp2, {interval(-1075.0, 1023.999)}, kPow2Hard8, 0.51},
     {"g_atxd", mpfr_exp10, {interval(-323.6, 308.25)}, kPow10Hard8, 0.52},
@@ -1496,14 +1668,14 @@ constexpr Reference kReferences[] = {
     // COMPLEX(16) functions and the complex power: per part within an ulp,
     // nearly correctly rounded (bounds on the norm error).
     {"g_cqabs", mpfr_hypot, {kQuadHalf, kQuadHalf}, kCQSqrtHard, 0.51},
-    {"g_cqsqrt", complex_sqrt, {kQuadHalf, kQuadHalf}, kCQSqrtHard, 0.72},
-    {"g_cqexp", complex_exp, {interval(-11355.0L, 11355.0L), magnitudes(0x1p-100L, 0x1p100L)}, kCQExpHard, 0.72},
-    {"g_cqlog", complex_log, {kQuadWide, kQuadWide}, kCQLogHard, 0.72},
+    {"g_cqsqrt", quad_complex_sqrt, {kQuadHalf, kQuadHalf}, kCQSqrtHard, 0.72},
+    {"g_cqexp", quad_complex_exp, {interval(-11355.0L, 11355.0L), magnitudes(0x1p-100L, 0x1p100L)}, kCQExpHard, 0.72},
+    {"g_cqlog", quad_complex_log, {kQuadWide, kQuadWide}, kCQLogHard, 0.72},
     {"g_cqsin", quad_complex_sin_cos<false, false>, {magnitudes(0x1p-100L, 0x1p100L), interval(-11355.0L, 11355.0L)}, kCQTrigHard, 0.72},
     {"g_cqcos", quad_complex_sin_cos<true, false>, {magnitudes(0x1p-100L, 0x1p100L), interval(-11355.0L, 11355.0L)}, kCQTrigHard, 0.72},
     {"g_cqsinq", quad_complex_sin_cos<false, true>, {magnitudes(0x1p-100L, 0x1p100L), interval(-7229.0L, 7229.0L)}, kCQTrigQuadrantHard, 0.72},
     {"g_cqcosq", quad_complex_sin_cos<true, true>, {magnitudes(0x1p-100L, 0x1p100L), interval(-7229.0L, 7229.0L)}, kCQTrigQuadrantHard, 0.72},
-    {"g_azxz", complex_pow, {magnitudes(0x1p-100L, 0x1p100L), magnitudes(0x1p-100L, 0x1p100L), interval(-20, 20), interval(-20, 20)}, kCQPowHard, 0.72},
+    {"g_azxz", quad_complex_pow, {magnitudes(0x1p-100L, 0x1p100L), magnitudes(0x1p-100L, 0x1p100L), interval(-20, 20), interval(-20, 20)}, kCQPowHard, 0.72},
 
     // REAL(16) elementary functions: within 0.51 ulp.  Log-gamma: 0.6,
     // its error is absolute (2^-122.6) where |ln Gamma| < 2^-7.5, next to
