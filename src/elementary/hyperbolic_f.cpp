@@ -23,6 +23,7 @@
 #include <cmath>
 
 #include "elementary/exp_kernel.h"
+#include "elementary/hyperbolic_kernel.h"
 #include "elementary/trig_reduce.h"
 #include "frame/dispatch.h"
 #include "frame/report.h"
@@ -32,12 +33,12 @@
 namespace mivor::elementary {
 namespace {
 
-inline constexpr double cp1 = 0.5000000000000001, cp2 = 0.041666666666663174, cp3 = 0.0013888888889177459,
-                        cp4 = 2.4801587185234638e-05, cp5 = 2.755734457704308e-07, cp6 = 2.08737088229234e-09,
-                        cp7 = 1.1660810833457919e-11;
-inline constexpr double sp0 = 0.16666666666666669, sp1 = 0.008333333333333111, sp2 = 0.00019841269841450044,
-                        sp3 = 2.755731915254139e-06, sp4 = 2.5052123738715222e-08, sp5 = 1.6057219161670014e-10,
-                        sp6 = 7.759842042834347e-13;
+// The REAL(8) Taylor coefficients, evaluated here in double for the REAL(4)
+// members.
+using hyperbolic::cp1, hyperbolic::cp2, hyperbolic::cp3, hyperbolic::cp4, hyperbolic::cp5, hyperbolic::cp6,
+    hyperbolic::cp7;
+using hyperbolic::sp0, hyperbolic::sp1, hyperbolic::sp2, hyperbolic::sp3, hyperbolic::sp4, hyperbolic::sp5,
+    hyperbolic::sp6;
 inline constexpr double tp1 = -257446.81508084596, tp2 = -18158.832069902594, tp3 = -287.60231921162375,
                         tp4 = -0.9778922952118113;
 inline constexpr double tq0 = 772340.4452425379, tq1 = 363412.67430672294, tq2 = 21182.28078391318,
