@@ -1650,8 +1650,8 @@ constexpr Reference kReferences[] = {
     // Real powers: one rounding of a double-double power.
     {"g_a2xd", mpfr_exp2, {interval(-1075.0, 1023.999)}, kPow2Hard8, 0.51},
     {"g_atxd", mpfr_exp10, {interval(-323.6, 308.25)}, kPow10Hard8, 0.52},
-    {"g_a2xr", mpfr_exp2, {interval(-150.0, 127.99)}, kPow2Hard4, 0.51},
-    {"g_atxr", mpfr_exp10, {interval(-45.2, 38.5)}, kPow10Hard4, 0.51},
+    {"g_a2xr", mpfr_exp2, {interval(-150.0, 127.99)}, kPow2Hard4, 0.51, kUnbounded, fast_exp2, kGlibcBits},
+    {"g_atxr", mpfr_exp10, {interval(-45.2, 38.5)}, kPow10Hard4, 0.51, kUnbounded, fast_exp10, kGlibcBits},
     {"g_adxd", mpfr_pow, {interval(0x1p-1074, kDmax), magnitudes(0x1p-60, 0x1p63)}, kPowPairs<false>, 0.55},
     {"g_arxr", mpfr_pow, {interval(0x1p-149, kFmax), magnitudes(0x1p-60, 0x1p31)}, kPowPairs<true>, 0.51},
     // Error function, gamma, log-gamma.
