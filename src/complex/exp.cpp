@@ -41,6 +41,7 @@
 //              by the huge substitute 0x7F7FFFEE / 0x7FEFFFFFFFFFFFB6 with
 //              its sign, the other part as computed.
 #include "complex/functions.h"
+#include "frame/dispatch.h"
 #include "frame/report.h"
 #include "frame/special_values.h"
 #include "mivor/mivor.h"
@@ -114,8 +115,9 @@ template <class T>
 
 // The common case inline: a finite x whose exponential cannot overflow
 // the kind and an accepted nonzero y; everything else through the pass.
+// Forced into the export, so that its AVX clone encodes all of it.
 template <class T>
-typename Kind<T>::C cexp(T x, T y) {
+[[gnu::always_inline]] inline typename Kind<T>::C cexp(T x, T y) {
     using K = Kind<T>;
     const double xd = x, yd = y;
     if (magnitude(xd) <= K::kFast && magnitude(yd) < K::kLimit && magnitude(yd) >= 0x1p-900) [[likely]] {
@@ -144,7 +146,7 @@ extern "C" mivor_complex4* g_cexp(mivor_complex4* result, const mivor_complex4* 
     return result;
 }
 
-extern "C" mivor_complex8* g_cdexp(mivor_complex8* result, const mivor_complex8* z) {
+extern "C" MIVOR_DISPATCHED mivor_complex8* g_cdexp(mivor_complex8* result, const mivor_complex8* z) {
     *result = complex::cexp<double>(z->re, z->im);
     return result;
 }

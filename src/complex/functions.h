@@ -27,6 +27,7 @@
 
 #include "elementary/double_double.h"
 #include "elementary/exp_log_dd.h"
+#include "elementary/sincos_pair.h"
 #include "elementary/trig_reduce.h"
 #include "complex/angle_data.h"
 #include "frame/values.h"
@@ -264,12 +265,20 @@ inline DD angle_dd(double y, double x) { return atan2_dd(y, x); }
 
 // The sine and cosine of A = hi + lo, |hi| < 3.53e15 (accepted by the
 // REAL(8) kernels without a report), lo small against the spacing of hi.
+// The bits of g_dscn: its pair kernel inline up to 1.05e8 (a call across
+// the library, its result through memory, cost a tenth of e^z), the export
+// beyond.
 struct SinCos {
     double s, c;
 };
 inline SinCos sin_cos(double hi, double lo = 0.0) {
     mivor_complex8 p;
-    g_dscn(&p, &hi);
+    if (magnitude(hi) <= elementary::trig::XBIG) [[likely]] {
+        const elementary::sincos_kernel::SinCos8 v = elementary::sincos_kernel::pair(hi);
+        p = {v.s, v.c};
+    } else {
+        g_dscn(&p, &hi);
+    }
     if (lo == 0.0) return {p.re, p.im};
     return {p.re + lo * p.im, p.im - lo * p.re};
 }

@@ -1060,6 +1060,7 @@ template <bool S> constexpr Range kPowPairs[] = {
 constexpr Range kErfHard8[] = {
     {"tiny", log_uniform(0x1p-1074, 0x1p-20, both_signs)},
     {"near 1/2", bits(0.49, 0.51)},
+    {"[1/2, 2]", bits(0.5, 2.0)},
     {"[-6, 6]", bits(-6.0, 6.0)},
     {"tail", bits(5.0, 27.3)},
     {"subnormal results", bits(26.5, 27.3)},
