@@ -114,16 +114,14 @@ inline SinCos8 evaluate_pair(ReducedLanes r, Sd sx) {
     const Sd vc = _mm_add_sd(_mm_add_sd(_mm_sub_sd(dp4c, _mm_mul_sd(lo, sn)), C(5)), C(0));
     // The sine form (sine row), with the sign of hi.
     const Sd cs = _mm_sub_sd(sd(1.0), _mm_mul_sd(z, _mm_sub_sd(sd(0.5), _mm_mul_sd(z, sd(1.0 / 24)))));
-    // Both sine forms, the one of the row kept by a mask: about a third of
-    // random arguments take the small form, so a branch would mispredict
-    // often, and each form is a handful of operations (the rows hold both
-    // forms' coefficients, so neither reads outside its row).
-    const Sd lcs = _mm_mul_sd(lo, cs);
-    const Sd small = _mm_add_sd(hi, _mm_add_sd(lcs, _mm_mul_sd(hi, _mm_add_sd(dp4s, S(0)))));
-    const Sd large = _mm_add_sd(_mm_add_sd(_mm_add_sd(_mm_mul_sd(d, S(7)), S(6)), _mm_add_sd(lcs, _mm_mul_sd(hi, dp4s))),
-                                S(5));
-    const Sd is_small = _mm_castsi128_pd(_mm_set1_epi32(-static_cast<std::int32_t>(j < kLargeRows)));
-    const Sd vs = _mm_xor_pd(_mm_or_pd(_mm_and_pd(is_small, small), _mm_andnot_pd(is_small, large)), sr);
+    Sd vs;
+    if (j < kLargeRows)
+        vs = _mm_add_sd(hi, _mm_add_sd(_mm_mul_sd(lo, cs), _mm_mul_sd(hi, _mm_add_sd(dp4s, S(0)))));
+    else
+        vs = _mm_add_sd(_mm_add_sd(_mm_add_sd(_mm_mul_sd(d, S(7)), S(6)),
+                                   _mm_add_sd(_mm_mul_sd(lo, cs), _mm_mul_sd(hi, dp4s))),
+                        S(5));
+    vs = _mm_xor_pd(vs, sr);
     // k even: sin x = +-vs, cos x = +-vc; k odd: sin x = +-vc, cos x = -+vs
     // (quadrant signs: sin negative in quadrants 2, 3; cos in 1, 2).
     // Selected by masks: random quadrants would mispredict a branch.
@@ -137,18 +135,13 @@ inline SinCos8 evaluate_pair(ReducedLanes r, Sd sx) {
 }
 
 // sin x and cos x for |x| <= 1.05e8 (XBIG): the ladder of exact shifts
-// below 9pi/4, the two-piece Cody-Waite step above.  Both reductions are
-// computed and the right one kept by a mask (each is harmless on the
-// other's range), as arguments spread over a few periods would mispredict
-// a branch.
+// below 9pi/4, the two-piece Cody-Waite step above.  (Computing both
+// reductions, or both sine forms, and keeping one by a mask was measured
+// slower than the branches on random arguments over [-10, 10].)
 inline SinCos8 pair(double x) {
     const Sd xv = _mm_set_sd(x);
     const Sd a = _mm_andnot_pd(lanes(kSignMask), xv);
-    const ReducedLanes near = ladder(a), far = reduce_medium_lanes(a);
-    const bool in_ladder = _mm_cvtsd_f64(a) < Q9P;
-    const Sd m = _mm_cmplt_sd(a, sd(Q9P));
-    const ReducedLanes r{_mm_or_pd(_mm_and_pd(m, near.hi), _mm_andnot_pd(m, far.hi)),
-                         _mm_or_pd(_mm_and_pd(m, near.lo), _mm_andnot_pd(m, far.lo)), in_ladder ? near.k : far.k};
+    const ReducedLanes r = _mm_cvtsd_f64(a) < Q9P ? ladder(a) : reduce_medium_lanes(a);
     return evaluate_pair(r, _mm_and_pd(xv, lanes(kSignMask)));
 }
 
