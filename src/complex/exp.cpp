@@ -2,7 +2,7 @@
 // and COMPLEX(8).
 //
 // Method (complex/functions.h): the sine and cosine of y from the REAL(8)
-// pair kernel g_dscn; e^x = 2^m (t + tail) from the double-double
+// pair kernel of g_dscn, inline (elementary/sincos_pair.h); e^x = 2^m (t + tail) from the double-double
 // exponential (elementary/exp_log_dd.h, error below 2^-61 relative); each
 // part is the exact product (t + tail) cos y rounded once and scaled by
 // 2^m.  Arguments with |x| > 700 are first moved by 1024 ln2, so that a

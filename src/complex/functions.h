@@ -265,8 +265,8 @@ inline DD angle_dd(double y, double x) { return atan2_dd(y, x); }
 
 // The sine and cosine of A = hi + lo, |hi| < 3.53e15 (accepted by the
 // REAL(8) kernels without a report), lo small against the spacing of hi.
-// The bits of g_dscn: its pair kernel inline up to 1.05e8 (a call across
-// the library, its result through memory, cost a tenth of e^z), the export
+// The bits of g_dscn: its pair kernel inline up to 1.05e8 (saving a call
+// across the library and the pair's trip through memory), the export
 // beyond.
 struct SinCos {
     double s, c;
