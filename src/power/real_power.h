@@ -66,15 +66,20 @@ using elementary::DD;
 // |E| <= 1.  Results below 2^-1022 are rounded once onto their own grid
 // (exp_far).
 struct Reduced {
-    std::int64_t k;  // e^E = 2^(k >> 8) 2^((k & 255)/256) e^r
+    std::int32_t k;  // e^E = 2^(k >> 8) 2^((k & 255)/256) e^r
     double r;
 };
 
-inline Reduced reduce_product(DD l, double y) {
+// v = (y 256/ln2) hi, which k rounds.
+inline double scaled_exponent(DD l, double y) { return (y * elementary::exp_log_dd_data::InvLn2N) * l.hi; }
+
+// For |v| < 2^31: k from the low word of the shifted sum (32-bit
+// arithmetic, which the i386 build does in one register).
+inline Reduced reduce_product(DD l, double y, double v) {
     namespace t = elementary::exp_log_dd_data;
     using elementary::kExpShift;
-    const double shifted = (y * t::InvLn2N) * l.hi + kExpShift;
-    const auto k = static_cast<std::int64_t>(bits_of(shifted) - bits_of(kExpShift));
+    const double shifted = v + kExpShift;
+    const auto k = static_cast<std::int32_t>(static_cast<std::uint32_t>(bits_of(shifted)));
     const double kd = shifted - kExpShift;
     const double yhi = elementary::upper(y), ylo = y - yhi;
     const double lhi = elementary::upper(l.hi);
@@ -82,16 +87,13 @@ inline Reduced reduce_product(DD l, double y) {
     return {k, (yhi * lhi - kd * t::Ln2Nhi) + ((mid - kd * t::Ln2Nlo) + y * l.lo)};
 }
 
-// k >> 8 for which exp_scaled applies.  The scale goes onto the table
-// entry before the sum, which takes the last multiplication off the end of
-// the chain; for the result to be the one that scaling at the end would
-// give (no product below 2^-1022), 2^m times the table's low part,
-// 2^-60 or more of it, must be normal: m >= -866 leaves room.
-inline constexpr std::int64_t kScaledLow = -866;
-inline constexpr std::int64_t kScaledHigh = 1022;
-inline bool scaled_range(std::int64_t k) {
-    return static_cast<std::uint64_t>((k >> 8) - kScaledLow) <= static_cast<std::uint64_t>(kScaledHigh - kScaledLow);
-}
+// The v for which exp_scaled applies: k >> 8 = m in [-866, 1022].  The
+// scale goes onto the table entry before the sum, which takes the last
+// multiplication off the end of the chain; for the result to be the one
+// that scaling at the end would give (no product below 2^-1022), 2^m
+// times the table's low part, 2^-60 or more of it, must be normal:
+// m >= -866 leaves room.  NaN fails the test.
+inline bool scaled_range(double v) { return v > -866.0 * 256 && v < 1022.0 * 256; }
 
 // e^r - 1 - r (|r| <= ln2/512 + 2^-12.4).
 inline double exp_poly(double r) {
@@ -123,11 +125,11 @@ inline double exp_scaled(Reduced e) {
 inline double exp_product(DD l, double y) {
     // Beyond these |y log x| (E > 709.8 or E < -746) the result is +Inf or
     // 0 whatever the rest, and k would not fit.
-    const double v = (y * elementary::exp_log_dd_data::InvLn2N) * l.hi;
+    const double v = scaled_exponent(l, y);
     if (v > 262160.0) return _Inf_D;
     if (v < -275530.0) return 0.0;
-    const Reduced e = reduce_product(l, y);
-    return scaled_range(e.k) ? exp_scaled(e) : exp_far(e);
+    const Reduced e = reduce_product(l, y, v);
+    return scaled_range(v) ? exp_scaled(e) : exp_far(e);
 }
 
 // e^(ehi + elo) for any double-double exponent: +Inf, 0 and subnormal

@@ -13,9 +13,7 @@
 // a midpoint between two REAL(4) numbers.
 //
 // The hot path takes a positive normal base and any exponent whose power
-// lies between about 2^-866 and 2^1023 (the
-// test is on the integer k of the reduction, which overshoots that range
-// when |y log x| is too large to round); everything else
+// lies between about 2^-866 and 2^1023; everything else
 // (special operands, results near or beyond the ends of the range, and
 // the reports 266/267/1417, 262/263/1416) goes through power_pass in
 // power/real_power.h, which lists the special cases.
@@ -28,11 +26,8 @@ using namespace mivor;
 namespace {
 
 // x positive, normal and finite.  y is not tested: an infinite, NaN or
-// too large y log x gives a k far outside the scaled range (a product
-// of 2^51 or more, or a NaN, changes the exponent field of the shifted
-// sum; a product of -2^51 or less, or a NaN with the sign bit, leaves a
-// difference of that size or a negative pattern), and a zero or tiny y
-// gives r = 0 or next to it, so 1 as the report pass would.
+// too large y log x fails the range test on v, and a zero or tiny y gives
+// r = 0 or next to it, so 1 as the report pass would.
 inline bool ordinary(std::uint64_t ix) {
     return ix - 0x0010000000000000u < 0x7FF0000000000000u - 0x0010000000000000u;
 }
@@ -42,8 +37,9 @@ inline bool ordinary(std::uint64_t ix) {
 extern "C" MIVOR_DISPATCHED double g_adxd(const double* base, const double* exponent) {
     const double x = *base, y = *exponent;
     if (ordinary(bits_of(x))) [[likely]] {
-        const power::Reduced e = power::reduce_product(elementary::log_dd_normal(x), y);
-        if (power::scaled_range(e.k)) [[likely]] return power::exp_scaled(e);
+        const elementary::DD l = elementary::log_dd_normal(x);
+        const double v = power::scaled_exponent(l, y);
+        if (power::scaled_range(v)) [[likely]] return power::exp_scaled(power::reduce_product(l, y, v));
     }
     return power::settle_power(x, y);
 }
@@ -53,9 +49,10 @@ extern "C" MIVOR_DISPATCHED float g_arxr(const float* base, const float* exponen
     // The REAL(4) range of results lies well inside the scaled range of the
     // double kernel; a power beyond the largest REAL(4) is reported.
     if (ordinary(bits_of(static_cast<double>(x)))) [[likely]] {
-        const power::Reduced e = power::reduce_product(elementary::log_dd_normal(x), y);
-        if (power::scaled_range(e.k)) [[likely]] {
-            const float p = static_cast<float>(power::exp_scaled(e));
+        const elementary::DD l = elementary::log_dd_normal(x);
+        const double v = power::scaled_exponent(l, y);
+        if (power::scaled_range(v)) [[likely]] {
+            const float p = static_cast<float>(power::exp_scaled(power::reduce_product(l, y, v)));
             if (p != _Inf_F) return p;
         }
     }
