@@ -274,8 +274,8 @@ struct SinCos {
 inline SinCos sin_cos(double hi, double lo = 0.0) {
     mivor_complex8 p;
     if (magnitude(hi) <= elementary::trig::XBIG) [[likely]] {
-        const elementary::sincos_kernel::SinCos8 v = elementary::sincos_kernel::pair(hi);
-        p = {v.s, v.c};
+        const __m128d v = elementary::sincos_kernel::pair(hi);
+        p = {_mm_cvtsd_f64(v), _mm_cvtsd_f64(_mm_unpackhi_pd(v, v))};
     } else {
         g_dscn(&p, &hi);
     }

@@ -235,17 +235,21 @@ extern "C" MIVOR_DISPATCHED __m128d pk_dcos(__m128d x) { return packed<true>(x);
 // and its exact shifts are the shorter dependency chain.  Otherwise
 // (larger, infinite, NaN) g_dsin and then g_dcos, so a refused argument
 // reports 203 twice.
+namespace mivor::elementary {
+namespace {
+[[gnu::cold, gnu::noinline]] mivor_complex8* refused_pair(mivor_complex8* result, const double* arg) {
+    const double s = sin_or_cos<false>(arg);
+    const double c = sin_or_cos<true>(arg);
+    result->re = s;
+    result->im = c;
+    return result;
+}
+}  // namespace
+}  // namespace mivor::elementary
+
 extern "C" MIVOR_DISPATCHED mivor_complex8* g_dscn(mivor_complex8* result, const double* arg) {
     const double x = *arg;
-    if (!(trig::magnitude(x) <= XBIG)) {
-        const double s = sin_or_cos<false>(&x);
-        const double c = sin_or_cos<true>(&x);
-        result->re = s;
-        result->im = c;
-        return result;
-    }
-    const sincos_kernel::SinCos8 v = sincos_kernel::pair(x);
-    result->re = v.s;
-    result->im = v.c;
+    if (!(trig::magnitude(x) <= XBIG)) return refused_pair(result, arg);
+    _mm_storeu_pd(&result->re, sincos_kernel::pair(x));
     return result;
 }

@@ -13,6 +13,7 @@
 #include <cstdint>
 
 #include "elementary/lanes.h"
+#include "elementary/quadrant_pair.h"
 #include "elementary/sincos_data.h"
 #include "elementary/trig_reduce.h"
 
@@ -86,10 +87,7 @@ inline constexpr std::array<PairRow, tab::kRows> kPairRows = make_pair_rows();
 // register (lane-wise the same operations, so the same bits as two calls
 // of `evaluate`), then the sine form from the sine row and the cosine form
 // from the cosine row, given to sin x and cos x as the quadrant says.
-struct SinCos8 {
-    double s, c;
-};
-inline SinCos8 evaluate_pair(ReducedLanes r, Sd sx) {
+inline __m128d evaluate_pair(ReducedLanes r, Sd sx) {
     const Sd mask = lanes(kSignMask);
     const Sd sr = _mm_and_pd(r.hi, mask);
     const Sd hi = _mm_andnot_pd(mask, r.hi);
@@ -122,23 +120,15 @@ inline SinCos8 evaluate_pair(ReducedLanes r, Sd sx) {
                                    _mm_add_sd(_mm_mul_sd(lo, cs), _mm_mul_sd(hi, dp4s))),
                         S(5));
     vs = _mm_xor_pd(vs, sr);
-    // k even: sin x = +-vs, cos x = +-vc; k odd: sin x = +-vc, cos x = -+vs
-    // (quadrant signs: sin negative in quadrants 2, 3; cos in 1, 2).
-    // Selected by masks: random quadrants would mispredict a branch.
-    const std::uint32_t n = r.k;
-    const Sd odd = _mm_castsi128_pd(_mm_set1_epi32(-static_cast<std::int32_t>(n & 1)));
-    const Sd first = _mm_or_pd(_mm_and_pd(odd, vc), _mm_andnot_pd(odd, vs));
-    const Sd second = _mm_or_pd(_mm_and_pd(odd, vs), _mm_andnot_pd(odd, vc));
-    const Sd s = _mm_xor_pd(first, _mm_xor_pd(sx, _mm_load_sd(&kQuadrantSign[n & 3])));
-    const Sd c = _mm_xor_pd(second, _mm_load_sd(&kQuadrantSign[(n + 1) & 3]));
-    return {_mm_cvtsd_f64(s), _mm_cvtsd_f64(c)};
+    // k even: sin x = +-vs, cos x = +-vc; k odd: sin x = +-vc, cos x = -+vs.
+    return to_quadrant(_mm_unpacklo_pd(vs, vc), r.k, sx);
 }
 
-// sin x and cos x for |x| <= 1.05e8 (XBIG): the ladder of exact shifts
-// below 9pi/4, the two-piece Cody-Waite step above.  (Computing both
-// reductions, or both sine forms, and keeping one by a mask was measured
-// slower than the branches on random arguments over [-10, 10].)
-inline SinCos8 pair(double x) {
+// (sin x, cos x) in one register for |x| <= 1.05e8 (XBIG): the ladder of
+// exact shifts below 9pi/4, the two-piece Cody-Waite step above.  (Both
+// reductions, or both sine forms, kept by a mask measured slower than the
+// branches on random arguments over [-10, 10].)
+inline __m128d pair(double x) {
     const Sd xv = _mm_set_sd(x);
     const Sd a = _mm_andnot_pd(lanes(kSignMask), xv);
     const ReducedLanes r = _mm_cvtsd_f64(a) < Q9P ? ladder(a) : reduce_medium_lanes(a);
