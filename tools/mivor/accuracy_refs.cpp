@@ -1657,7 +1657,7 @@ constexpr Reference kReferences[] = {
     {"g_arxr", mpfr_pow, {interval(0x1p-149, kFmax), magnitudes(0x1p-60, 0x1p31)}, kPowPairs<true>, 0.51},
     // Error function, gamma, log-gamma.
     {"g_derf", mpfr_erf, {interval(-kDmax, kDmax)}, kErfHard8, 0.85},
-    {"g_derfc", mpfr_erfc, {interval(-kDmax, kDmax)}, kErfHard8, 0.75},
+    {"g_derfc", mpfr_erfc, {interval(-kDmax, kDmax)}, kErfHard8, 0.8},
     {"g_erf", mpfr_erf, {interval(-kFmax, kFmax)}, kErfHard4, 0.51, kUnbounded, fast_erf, 58},
     {"g_erfc", mpfr_erfc, {interval(-kFmax, kFmax)}, kErfHard4, 0.51, kUnbounded, fast_erfc, 58},
     {"g_dgamma", mpfr_gamma, {interval(-190.0, 171.62)}, kGammaHard8, 0.55},
