@@ -10,8 +10,10 @@
  *                   near the zero keep their relative accuracy.
  * The polynomial interpolates at the Chebyshev nodes of the row (within a
  * small factor of the best approximation), computed at 320 bits; c0 and c1
- * are then split into double-doubles, the others rounded to doubles, and
- * the relative error of the rounded polynomial is measured on 4001 points.
+ * are then split into double-doubles (the high part of c1 rounded to 26
+ * bits, so that its products with the halves of a split d are exact), the
+ * others rounded to doubles, and the relative error of the rounded
+ * polynomial is measured on 4001 points.
  *
  * Output, one line per item, hex floats:
  *   row NAME I A B MID C0HI C0LO C1HI C1LO C2 .. C11 ERR
@@ -117,13 +119,16 @@ static void interpolate(mpfr_t *c, int n, double mid, double lo, double hi, Kind
     mpfr_clears(x, t, w, ctr, pi, (mpfr_ptr)0);
 }
 
-static void split(const mpfr_t v, double *hi, double *lo) {
-    mpfr_t t;
+/* v = hi + lo, hi rounded to `bits` significant bits (53: a double). */
+static void split(const mpfr_t v, double *hi, double *lo, int bits) {
+    mpfr_t t, h;
     mpfr_init2(t, PREC);
-    *hi = mpfr_get_d(v, MPFR_RNDN);
+    mpfr_init2(h, bits);
+    mpfr_set(h, v, MPFR_RNDN);
+    *hi = mpfr_get_d(h, MPFR_RNDN);
     mpfr_sub_d(t, v, *hi, MPFR_RNDN);
     *lo = mpfr_get_d(t, MPFR_RNDN);
-    mpfr_clear(t);
+    mpfr_clears(t, h, (mpfr_ptr)0);
 }
 
 /* One row: fit, round, measure, print. */
@@ -138,11 +143,11 @@ static void row(const char *name, int index, double a, double b, Kind kind, doub
     /* As coefficients of 1, d, ..., d^11 of the value. */
     double k0[2] = {0, 0}, k1[2], rest[DEG + 1];
     if (zero_row) {
-        split(c[0], &k1[0], &k1[1]);
+        split(c[0], &k1[0], &k1[1], 26);
         for (int k = 1; k <= n; ++k) rest[k + 1] = mpfr_get_d(c[k], MPFR_RNDN);
     } else {
-        split(c[0], &k0[0], &k0[1]);
-        split(c[1], &k1[0], &k1[1]);
+        split(c[0], &k0[0], &k0[1], 53);
+        split(c[1], &k1[0], &k1[1], 26);
         for (int k = 2; k <= n; ++k) rest[k] = mpfr_get_d(c[k], MPFR_RNDN);
     }
     /* The relative error of the rounded polynomial. */
@@ -230,7 +235,7 @@ int main(void) {
     mpfr_log(v, v, MPFR_RNDN);
     mpfr_div_ui(v, v, 2, MPFR_RNDN);
     double hi, lo;
-    split(v, &hi, &lo);
+    split(v, &hi, &lo, 53);
     printf("half_log_two_pi %a %a\n", hi, lo);
     mpfr_clear(v);
     return 0;
