@@ -155,9 +155,10 @@ DD lgamma_positive(double x) { return x < 16.0 ? lgamma_below_16(x) : lgamma_sti
 // the rows next to the zero rows and far less elsewhere, is summed in
 // double.
 [[gnu::always_inline]] inline double lgamma_rows(double x) {
-    const int row = x < 1.0   ? static_cast<int>(x * 32.0) - 16
-                    : x < 2.0 ? 16 + static_cast<int>((bits_of(x) >> 48) & 15)
-                              : 24 + static_cast<int>((bits_of(x) >> 49) - (std::uint64_t{1023} << 3));
+    // Below 2 the exponent and the top four fraction bits count rows of
+    // 1/32 from 1/2 and of 1/16 from 1, above it the top three count eighths.
+    const std::uint64_t b = bits_of(x);
+    const auto row = static_cast<int>(x < 2.0 ? (b >> 48) - 0x3FE0 : (b >> 49) - 0x1FF8 + 24);
     const t::Row& w = t::main[row];
     if (w.c0hi == 0.0) [[unlikely]] {
         return zero_row(w, x);
@@ -190,7 +191,7 @@ DD lgamma_positive(double x) { return x < 16.0 ? lgamma_below_16(x) : lgamma_sti
     const DD p = two_prod(a, l.hi - 1.0);
     const double* s = t::S;
     const double z = 1.0 / x, u = z * z, u2 = u * u;
-    const double series = z * (((s[0] + s[1] * u) + u2 * (s[2] + s[3] * u)) + (u2 * u2) * ((s[4] + s[5] * u) + u2 * s[6]));
+    const double series = z * (((s[0] + s[1] * u) + u2 * (s[2] + s[3] * u)) + (u2 * u2) * (s[4] + s[5] * u));
     return p.hi + (p.lo + (a * l.lo + ((t::kHalfLogTwoPi - 0.5) + (t::kHalfLogTwoPiLo + series))));
 }
 
