@@ -22,9 +22,10 @@
  *   stirling_err E      its relative error
  *   half_log_two_pi HI LO
  * Tables: "small" 32 rows for lgamma(1 + x), x in [-1/2, 1/2), rows of
- * width 1/32 (the two next to 0 are zero rows at 0), "main" 56 rows for
- * lgamma(x), x in [1/2, 16): sixteen rows of width 1/32 in [1/2, 1), sixteen
- * of width 1/16 in [1, 2) and eight per binade above.
+ * width 1/32 (the two next to 0 are zero rows at 0), "main" 104 rows for
+ * lgamma(x), x in [1/2, 1024): sixteen rows of width 1/32 in [1/2, 1),
+ * sixteen of width 1/16 in [1, 2) and eight per binade above, "low" 56 rows
+ * for lgamma(x), x in [2^-8, 1/2), eight per binade.
  */
 #include <math.h>
 #include <stdio.h>
@@ -221,12 +222,15 @@ int main(void) {
     for (int j = 0; j < 16; ++j)
         row("main", 16 + j, 1.0 + j / 16.0, 1.0 + (j + 1) / 16.0, LGAMMA, j == 0 ? 1.0 : j == 15 ? 2.0 : none);
     int index = 32;
-    for (int e = 1; e < 4; ++e) {
+    for (int e = 1; e < 10; ++e) {
         for (int j = 0; j < 8; ++j, ++index) {
             const double a = ldexp(1.0 + j / 8.0, e), b = ldexp(1.0 + (j + 1) / 8.0, e);
             row("main", index, a, b, LGAMMA, e == 1 && j == 0 ? 2.0 : none);
         }
     }
+    for (int e = -8, i = 0; e < -1; ++e)
+        for (int j = 0; j < 8; ++j, ++i)
+            row("low", i, ldexp(1.0 + j / 8.0, e), ldexp(1.0 + (j + 1) / 8.0, e), LGAMMA, none);
     stirling();
     mpfr_t v;
     mpfr_init2(v, PREC);
