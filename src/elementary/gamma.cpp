@@ -1,7 +1,7 @@
 // g_dgamma, g_gamma: the gamma function; g_dlgama, g_algama, g_lgamma: the
 // logarithm of its magnitude; REAL(8) and REAL(4).
 //
-// Method.  Everything goes through log |gamma| as a double-double:
+// Method.  Gamma goes through log |gamma| as a double-double:
 //   0 < x < 1/2     -log x (elementary/exp_log_dd.h) + lgamma(1 + x), the
 //                   latter from the rows of `small` (gamma_data.h);
 //   1/2 <= x < 16   one polynomial per row of `main` (width 1/32 below 1,
@@ -21,24 +21,44 @@
 //                   sine to double precision (the result is above 800 in
 //                   size).
 // gamma = e^(log gamma) through the double-double exponential, which
-// rounds once (onto the subnormal grid too); log-gamma is rounded once.
+// rounds once (onto the subnormal grid too).
+//
+// REAL(8) log-gamma of a positive normal x below 2^52 is rounded once from
+// a sum whose large terms alone are exact, the rest in plain double (it
+// needs no double-double result, unlike gamma's exponential):
+//   2^-8 <= x < 1024  one row: those of `main` (up to 1024: eighths of a
+//                   binade beyond 16) and of `low` (eighths of a binade
+//                   below 1/2), the zero rows as for gamma; elsewhere
+//                   c0hi + c1hi d exact (c1hi has 26 bits, its products with
+//                   the halves of d exact), the rest summed in double;
+//   x < 2^-8        -log x from log_dd_far (2^-66, its low part unnormalised)
+//                   + the zero row at 0 (below 2^-11 of the value);
+//   1024 <= x       Stirling with (x - 1/2)(hi - 1) exact (two_prod), the
+//                   rest and S (two terms) in double.
+// Other arguments (negative, subnormal, beyond 2^52) take the double-double
+// path above.  The REAL(4) forms round the REAL(8) results.
 //
 // Accuracy.  The rows' fits are at most 2^-56.6 relative (2^-59 outside
-// the rows next to 1 and 2), Stirling's series 2^-54 of S (below 2^-61
-// absolute), log_dd 2^-68.5, the exponential 2^-61.  In the rows the
-// leading terms c0 + c1 d (and in the zero rows c2 d^2 too) are formed
-// exactly; the rest is at most a fifth of the value at the ends of the
-// widest zero row, so its roundings add a few hundredths of an ulp:
-// log-gamma at most 0.5 + 0.14 + 0.05 ulp; gamma, whose error is the
-// absolute error of the logarithm, 0.5 + 2^53 (27.9 2^-59 + 2^-61) = 0.7 ulp
-// below 16 and less above.  Near the zeros of log-gamma on the negative
-// axis (near -2.46, -2.75, ..., and within 2^-40 of each negative integer
+// the rows next to 1 and 2, 2^-62.8 in `low`, 2^-63 beyond 8), Stirling's
+// series 2^-54 of S (below 2^-61 absolute), log_dd 2^-68.5, the
+// exponential 2^-61.  For gamma, in the rows the leading terms c0 + c1 d
+// (and in the zero rows c2 d^2 too) are formed exactly; the rest is at most
+// a fifth of the value at the ends of the widest zero row, so its roundings
+// add a few hundredths of an ulp; gamma, whose error is the absolute error
+// of the logarithm, 0.5 + 2^53 (27.9 2^-59 + 2^-61) = 0.7 ulp below 16 and
+// less above.  Log-gamma's rows outside the zero rows: the rounded part
+// d (c1lo + d q) + c1hi dl is at most 2^-4.9 of the value (at 2.25, next
+// to the zero row [2, 2.25); 2^-5.5 in [17/16, 9/8), below 2^-6
+// elsewhere), rounded to about 2^-52 of itself: 0.5 + 0.07 ulp; in the
+// zero rows 0.5 + 0.14 + 0.05 ulp as for gamma; below 2^-8 and beyond
+// 1024, 0.5 + 0.01.  Near the zeros of log-gamma on the negative axis
+// (near -2.46, -2.75, ..., and within 2^-40 of each negative integer
 // beyond) the subtraction cancels: there the error is absolute, about
-// 2^-60 |log |x||.  Measured (`mivor accuracy --count 1000000 g_dgamma
-// g_dlgama`, README): gamma 0.509 ulp, log-gamma 0.545 ulp (at 2.235),
-// and 0.90 ulp at the zero near -2.7477.  REAL(4): the REAL(8) value rounded
-// once more, correctly rounded on every argument but the few whose value
-// lies within 2^-29 of a halfway point (`mivor accuracy --exhaustive`).
+// 2^-60 |log |x||.  Measured (`mivor accuracy --count
+// 1000000 g_dgamma g_dlgama`, README): gamma 0.509 ulp, log-gamma
+// LGAMMA_MEASURED.  REAL(4): the REAL(8) value rounded once more, correctly
+// rounded on every argument but the few whose value lies within 2^-29 of a
+// halfway point (`mivor accuracy --exhaustive`).
 //
 // Special cases and reports (direct form, the argument described):
 //   gamma: +-0 and x > 171.62 (+Inf included), and positive x below
@@ -150,9 +170,8 @@ DD lgamma_positive(double x) { return x < 16.0 ? lgamma_below_16(x) : lgamma_sti
 }
 
 // A row without a zero: c0 + c1hi d formed exactly (c1hi has 26 bits, so
-// its products with the halves of d = dh + dl are exact), the rest, below a
-// thirtieth of the value in the rows next to the zero rows and far less
-// elsewhere, summed in double.
+// its products with the halves of d = dh + dl are exact), the rest, at most
+// 2^-4.9 of the value (next to the zero row at 2), summed in double.
 [[gnu::always_inline]] inline double row_plain(const t::Row& w, double x) {
     const double d = x - w.mid;  // exact
     const double dh = upper(d), dl = d - dh;
