@@ -38,6 +38,7 @@
 #include <bit>
 
 #include "elementary/lanes.h"
+#include "elementary/quadrant_pair.h"
 #include "elementary/sincos_data.h"
 #include "elementary/trig_reduce.h"
 #include "frame/dispatch.h"
@@ -289,10 +290,7 @@ inline constexpr std::array<PairRow, tab::kRows> kPairRows = make_pair_rows();
 // register (lane-wise the same operations, so the same bits as two calls
 // of `evaluate`), then the sine form from the sine row and the cosine form
 // from the cosine row, given to sin x and cos x as the quadrant says.
-struct SinCos8 {
-    double s, c;
-};
-inline SinCos8 evaluate_pair(ReducedLanes r, Sd sx) {
+inline __m128d evaluate_pair(ReducedLanes r, Sd sx) {
     const Sd mask = lanes(kSignMask);
     const Sd sr = _mm_and_pd(r.hi, mask);
     const Sd hi = _mm_andnot_pd(mask, r.hi);
@@ -325,16 +323,8 @@ inline SinCos8 evaluate_pair(ReducedLanes r, Sd sx) {
                                    _mm_add_sd(_mm_mul_sd(lo, cs), _mm_mul_sd(hi, dp4s))),
                         S(5));
     vs = _mm_xor_pd(vs, sr);
-    // k even: sin x = +-vs, cos x = +-vc; k odd: sin x = +-vc, cos x = -+vs
-    // (quadrant signs: sin negative in quadrants 2, 3; cos in 1, 2).
-    // Selected by masks: random quadrants would mispredict a branch.
-    const std::uint32_t n = r.k;
-    const Sd odd = _mm_castsi128_pd(_mm_set1_epi32(-static_cast<std::int32_t>(n & 1)));
-    const Sd first = _mm_or_pd(_mm_and_pd(odd, vc), _mm_andnot_pd(odd, vs));
-    const Sd second = _mm_or_pd(_mm_and_pd(odd, vs), _mm_andnot_pd(odd, vc));
-    const Sd s = _mm_xor_pd(first, _mm_xor_pd(sx, _mm_load_sd(&kQuadrantSign[n & 3])));
-    const Sd c = _mm_xor_pd(second, _mm_load_sd(&kQuadrantSign[(n + 1) & 3]));
-    return {_mm_cvtsd_f64(s), _mm_cvtsd_f64(c)};
+    // k even: sin x = +-vs, cos x = +-vc; k odd: sin x = +-vc, cos x = -+vs.
+    return to_quadrant(_mm_unpacklo_pd(vs, vc), r.k, sx);
 }
 
 }  // namespace
@@ -350,20 +340,24 @@ inline SinCos8 evaluate_pair(ReducedLanes r, Sd sx) {
 // and its exact shifts are the shorter dependency chain.  Otherwise
 // (larger, infinite, NaN) g_dsin and then g_dcos, so a refused argument
 // reports 203 twice.
+namespace mivor::elementary {
+namespace {
+[[gnu::cold, gnu::noinline]] mivor_complex8* refused_pair(mivor_complex8* result, const double* arg) {
+    const double s = sin_or_cos<false>(arg);
+    const double c = sin_or_cos<true>(arg);
+    result->re = s;
+    result->im = c;
+    return result;
+}
+}  // namespace
+}  // namespace mivor::elementary
+
 extern "C" MIVOR_DISPATCHED mivor_complex8* g_dscn(mivor_complex8* result, const double* arg) {
     const double x = *arg;
     const Sd xv = _mm_set_sd(x);
     const Sd a = _mm_andnot_pd(lanes(kSignMask), xv);
-    if (!(_mm_cvtsd_f64(a) <= XBIG)) {
-        const double s = sin_or_cos<false>(&x);
-        const double c = sin_or_cos<true>(&x);
-        result->re = s;
-        result->im = c;
-        return result;
-    }
+    if (!(_mm_cvtsd_f64(a) <= XBIG)) return refused_pair(result, arg);
     const ReducedLanes r = _mm_cvtsd_f64(a) < Q9P ? ladder(a) : reduce_medium_lanes(a);
-    const SinCos8 v = evaluate_pair(r, _mm_and_pd(xv, lanes(kSignMask)));
-    result->re = v.s;
-    result->im = v.c;
+    _mm_storeu_pd(&result->re, evaluate_pair(r, _mm_and_pd(xv, lanes(kSignMask))));
     return result;
 }
