@@ -1,7 +1,7 @@
 // g_dgamma, g_gamma: the gamma function; g_dlgama, g_algama, g_lgamma: the
 // logarithm of its magnitude; REAL(8) and REAL(4).
 //
-// Method.  Everything goes through log |gamma| as a double-double:
+// Method.  Gamma goes through log |gamma| as a double-double:
 //   0 < x < 1/2     -log x (elementary/exp_log_dd.h) + lgamma(1 + x), the
 //                   latter from the rows of `small` (gamma_data.h);
 //   1/2 <= x < 16   one polynomial per row of `main` (width 1/32 below 1,
@@ -21,24 +21,45 @@
 //                   sine to double precision (the result is above 800 in
 //                   size).
 // gamma = e^(log gamma) through the double-double exponential, which
-// rounds once (onto the subnormal grid too); log-gamma is rounded once.
+// rounds once (onto the subnormal grid too).
+//
+// REAL(8) log-gamma of a positive normal x below 2^52 is rounded once from
+// a sum whose large terms alone are exact, the rest in plain double (it
+// needs no double-double result, unlike gamma's exponential):
+//   2^-8 <= x < 1024  one row: those of `main` (up to 1024: eighths of a
+//                   binade beyond 16) and of `low` (eighths of a binade
+//                   below 1/2), the zero rows as for gamma; elsewhere
+//                   c0hi + c1hi d exact (c1hi has 26 bits, its products with
+//                   the halves of d exact), the rest summed in double;
+//   x < 2^-8        -log x from log_dd_far (2^-66, its low part unnormalised)
+//                   + the zero row at 0 (below 2^-11 of the value);
+//   1024 <= x       Stirling with (x - 1/2)(hi - 1) exact (two_prod), the
+//                   rest and S (two terms) in double.
+// Other arguments (negative, subnormal, beyond 2^52) take the double-double
+// path above.  The REAL(4) forms round the REAL(8) results.
 //
 // Accuracy.  The rows' fits are at most 2^-56.6 relative (2^-59 outside
-// the rows next to 1 and 2), Stirling's series 2^-54 of S (below 2^-61
-// absolute), log_dd 2^-68.5, the exponential 2^-61.  In the rows the
-// leading terms c0 + c1 d (and in the zero rows c2 d^2 too) are formed
-// exactly; the rest is at most a fifth of the value at the ends of the
-// widest zero row, so its roundings add a few hundredths of an ulp:
-// log-gamma at most 0.5 + 0.14 + 0.05 ulp; gamma, whose error is the
-// absolute error of the logarithm, 0.5 + 2^53 (27.9 2^-59 + 2^-61) = 0.7 ulp
-// below 16 and less above.  Near the zeros of log-gamma on the negative
-// axis (near -2.46, -2.75, ..., and within 2^-40 of each negative integer
+// the rows next to 1 and 2, 2^-62.8 in `low`, 2^-63 beyond 8), Stirling's
+// series 2^-54 of S (below 2^-61 absolute), log_dd 2^-68.5, the
+// exponential 2^-61.  For gamma, in the rows the leading terms c0 + c1 d
+// (and in the zero rows c2 d^2 too) are formed exactly; the rest is at most
+// a fifth of the value at the ends of the widest zero row, so its roundings
+// add a few hundredths of an ulp; gamma, whose error is the absolute error
+// of the logarithm, 0.5 + 2^53 (27.9 2^-59 + 2^-61) = 0.7 ulp below 16 and
+// less above.  Log-gamma's rows outside the zero rows: the rounded part
+// d (c1lo + d q) + c1hi dl is at most 2^-4.9 of the value (at 2.25, next
+// to the zero row [2, 2.25); 2^-5.5 in [17/16, 9/8), below 2^-6
+// elsewhere), rounded to about 2^-52 of itself: 0.5 + 0.07 ulp; in the
+// zero rows 0.5 + 0.14 + 0.05 ulp as for gamma; below 2^-8 and beyond
+// 1024, 0.5 + 0.01.  Near the zeros of log-gamma on the negative axis
+// (near -2.46, -2.75, ..., and within 2^-40 of each negative integer
 // beyond) the subtraction cancels: there the error is absolute, about
-// 2^-60 |log |x||.  Measured (`mivor accuracy --count 1000000 g_dgamma
-// g_dlgama`, README): gamma 0.509 ulp, log-gamma 0.545 ulp (at 2.235),
-// and 0.90 ulp at the zero near -2.7477.  REAL(4): the REAL(8) value rounded
-// once more, correctly rounded on every argument but the few whose value
-// lies within 2^-29 of a halfway point (`mivor accuracy --exhaustive`).
+// 2^-60 |log |x||.  Measured (`mivor accuracy --count
+// 1000000 g_dgamma g_dlgama`, README): gamma 0.511 ulp, log-gamma
+// 0.545 ulp (at 2.235, a zero row; 0.542 at 2.252 in the plain rows) and
+// 0.90 ulp at the zero near -2.7477.  REAL(4): the REAL(8) value rounded once more, correctly
+// rounded on every argument but the few whose value lies within 2^-29 of a
+// halfway point (`mivor accuracy --exhaustive`).
 //
 // Special cases and reports (direct form, the argument described):
 //   gamma: +-0 and x > 171.62 (+Inf included), and positive x below
@@ -130,6 +151,79 @@ DD lgamma_stirling(double x) {
 }
 
 DD lgamma_positive(double x) { return x < 16.0 ? lgamma_below_16(x) : lgamma_stirling(x); }
+
+// Log-gamma alone, rounded to double, needs less than the double-double
+// that gamma exponentiates: only terms that are a large part of the result
+// are formed exactly, the rest is summed in plain double.
+
+[[gnu::noinline]] double zero_row(const t::Row& w, double x) {
+    const DD l = row_value(w, x);
+    return l.hi + l.lo;
+}
+
+// d^2 (c2 + c3 d + ... + c11 d^9) of a row.
+[[gnu::always_inline]] inline double row_tail(const t::Row& w, double d) {
+    const double* c = w.c;
+    const double d2 = d * d, d4 = d2 * d2, d8 = d4 * d4;
+    const double q = ((c[0] + c[1] * d) + d2 * (c[2] + c[3] * d)) +
+                     d4 * ((c[4] + c[5] * d) + d2 * (c[6] + c[7] * d)) + d8 * (c[8] + c[9] * d);
+    return d2 * q;
+}
+
+// A row without a zero: c0 + c1hi d formed exactly (c1hi has 26 bits, so
+// its products with the halves of d = dh + dl are exact), the rest, at most
+// 2^-4.9 of the value (next to the zero row at 2), summed in double.
+[[gnu::always_inline]] inline double row_plain(const t::Row& w, double x) {
+    const double d = x - w.mid;  // exact
+    const double dh = upper(d), dl = d - dh;
+    const DD s = two_sum(w.c0hi, w.c1hi * dh);  // the product exact
+    return s.hi + (s.lo + (w.c1hi * dl + (w.c0lo + (d * w.c1lo + row_tail(w, d)))));
+}
+
+// lgamma(x) for 1/2 <= x < 1024.
+[[gnu::always_inline]] inline double lgamma_rows(double x) {
+    // Below 2 the exponent and the top four fraction bits count rows of
+    // 1/32 from 1/2 and of 1/16 from 1, above it the top three count eighths.
+    const std::uint64_t b = bits_of(x);
+    const auto row = static_cast<int>(x < 2.0 ? (b >> 48) - 0x3FE0 : (b >> 49) - 0x1FF8 + 24);
+    const t::Row& w = t::main[row];
+    if (w.c0hi == 0.0) [[unlikely]]
+        return zero_row(w, x);
+    return row_plain(w, x);
+}
+
+// lgamma(x) for normal x < 2^-8: -log x + lgamma(1 + x), the latter from
+// the zero row at 0 (d = x) and below 2^-11 of the value, in double.
+[[gnu::always_inline]] inline double lgamma_tiny(double x) {
+    const DD l = log_dd_far(x);
+    const t::Row& w = t::small[16];
+    return -l.hi + ((x * w.c1hi + (x * w.c1lo + row_tail(w, x))) - l.lo);
+}
+
+// lgamma(x) for 1024 <= x < 2^52, where x - 1/2 is exact: the product
+// (x - 1/2)(hi - 1) exact (hi - 1 is exact for hi >= 2), the rest ((x -
+// 1/2) lo, below 2^-14 of the value, the constant and the series) in
+// double.  From 1024 on the terms of S beyond z^3 are below 2^-60, a
+// millionth of an ulp of the value (above 6000).
+[[gnu::always_inline]] inline double lgamma_large(double x) {
+    const DD l = log_dd_far(x);
+    const double a = x - 0.5;
+    const DD p = two_prod(a, l.hi - 1.0);
+    const double* s = t::S;
+    const double z = 1.0 / x;
+    const double series = z * (s[0] + s[1] * (z * z));
+    return p.hi + (p.lo + (a * l.lo + ((t::kHalfLogTwoPi - 0.5) + (t::kHalfLogTwoPiLo + series))));
+}
+
+// lgamma(x) for 2^-1022 <= x < 2^52: rows from 2^-8 to 1024.
+[[gnu::always_inline]] inline double lgamma_normal(double x) {
+    if (x < 0.5) {
+        if (x < 0x1p-8) return lgamma_tiny(x);
+        return row_plain(t::low[static_cast<int>((bits_of(x) >> 49) - 0x1FB8)], x);
+    }
+    if (x < 1024.0) return lgamma_rows(x);
+    return lgamma_large(x);
+}
 
 // e^(l.hi + l.lo), once rounded.
 double exp_of(DD l) {
@@ -240,6 +334,7 @@ report::Step<float, float> gamma_pass_f(float x) {
 double lgamma_any(double x) {
     if (x == _Inf_D) return x;
     if (x > 0) {
+        if (x >= 0x1p-1022 && x < 0x1p52) return lgamma_normal(x);
         const DD l = lgamma_positive(x);
         return l.hi + l.lo;
     }
@@ -268,7 +363,12 @@ extern "C" MIVOR_DISPATCHED double g_dgamma(const double* arg) {
 
 extern "C" float g_gamma(const float* x) { return report::settle<report::Form::direct>(gamma_pass_f, *x); }
 
-extern "C" MIVOR_DISPATCHED double g_dlgama(const double* x) { return lgamma_any(*x); }
+extern "C" MIVOR_DISPATCHED double g_dlgama(const double* arg) {
+    const double x = *arg;
+    if (x >= 0x1p-1022 && x < 0x1p52) [[likely]]
+        return lgamma_normal(x);
+    return lgamma_any(x);
+}
 
 extern "C" float g_algama(const float* x) { return report::settle<report::Form::direct>(lgamma_pass_f, *x); }
 

@@ -64,6 +64,15 @@ const Known kLgamma[] = {
     {2.5, 0x1.2383e809a67e8p-2},           {0x1.56e1fc2f8f359p-997, 0x1.5963447f87fb5p+9},
     {100.25, 0x1.6848d8e681f58p+8},        {0x1.249ad2594c37dp+332, 0x1.060a2246099aep+340},
     {0x1.7e43c8800759cp+996, 0x1.017f38e7a1ab5p+1006},
+    // Each side of the switches between the logarithm, the rows and
+    // Stirling's series (2^-8, 1024), and inside the rows of eighths of a
+    // binade below 1/2 and beyond 16.
+    {0x1.4f8b588e368f1p-17, 0x1.7069d68f4ec83p+3}, {0x1.fffffffffffffp-9, 0x1.62bf735f63f2dp+2},
+    {0x1p-8, 0x1.62bf735f63f2dp+2},        {0x1.930be0ded288dp-7, 0x1.190917a6e79ccp+2},
+    {0x1.3333333333333p-2, 0x1.188637a6c4196p+0}, {0x1.2a66666666666p+5, 0x1.8333548093d25p+6},
+    {0x1.5e0cccccccccdp+9, 0x1.e581c0e2de476p+11}, {0x1.fffffffffffffp+9, 0x1.7b747c92489cap+12},
+    {0x1p+10, 0x1.7b747c92489cap+12},      {0x1.3888p+12, 0x1.25a5c50ff2199p+15},
+    {0x1.0000000000001p+40, 0x1.ab9d3beb8bb7bp+44},
     {-0.5, 0x1.43f89a3f0edd6p+0},          {-2.5, -0x1.ccbf9f5ed0f16p-5},
     {-100.5, -0x1.6ce6a5dbefb91p+8},       {-0x1.2a05f20040000p+33, -0x1.9a43711051a31p+37},
 };
@@ -87,14 +96,16 @@ TEST(Gamma, CorrectlyRoundedValues) {
 
 TEST(Gamma, MonotonyAcrossRowsAndReflection) {
     // log-gamma falls on (0, 1.4616) and rises after it; around every row
-    // boundary of [1/2, 16) it must keep its direction.
+    // boundary from 2^-8 to 1024 it must keep its direction.
     std::vector<double> bounds;
     for (int i = 16; i <= 32; ++i) bounds.push_back(i / 32.0);
-    for (double b = 1.125; b < 16; b += std::ldexp(0.125, std::ilogb(b))) bounds.push_back(b);
+    for (double b = 0x1p-8; b <= 1024; b += std::ldexp(0.125, std::ilogb(b)))
+        if (b < 0.5 || b >= 2) bounds.push_back(b);
+    for (double b = 1.125; b < 2; b += 0.0625) bounds.push_back(b);
     for (double b : bounds) {
         double x = std::nextafter(b, 0.0);
-        for (int i = 0; i < 32; ++i, x = std::nextafter(x, 20.0)) {
-            const double next = std::nextafter(x, 20.0);
+        for (int i = 0; i < 32; ++i, x = std::nextafter(x, 2048.0)) {
+            const double next = std::nextafter(x, 2048.0);
             if (x < 1.46) {
                 ASSERT_GE(lgamma8(x), lgamma8(next)) << x;
             } else {

@@ -10,8 +10,10 @@
  *                   near the zero keep their relative accuracy.
  * The polynomial interpolates at the Chebyshev nodes of the row (within a
  * small factor of the best approximation), computed at 320 bits; c0 and c1
- * are then split into double-doubles, the others rounded to doubles, and
- * the relative error of the rounded polynomial is measured on 4001 points.
+ * are then split into double-doubles (the high part of c1 rounded to 26
+ * bits, so that its products with the halves of a split d are exact), the
+ * others rounded to doubles, and the relative error of the rounded
+ * polynomial is measured on 4001 points.
  *
  * Output, one line per item, hex floats:
  *   row NAME I A B MID C0HI C0LO C1HI C1LO C2 .. C11 ERR
@@ -20,9 +22,10 @@
  *   stirling_err E      its relative error
  *   half_log_two_pi HI LO
  * Tables: "small" 32 rows for lgamma(1 + x), x in [-1/2, 1/2), rows of
- * width 1/32 (the two next to 0 are zero rows at 0), "main" 56 rows for
- * lgamma(x), x in [1/2, 16): sixteen rows of width 1/32 in [1/2, 1), sixteen
- * of width 1/16 in [1, 2) and eight per binade above.
+ * width 1/32 (the two next to 0 are zero rows at 0), "main" 104 rows for
+ * lgamma(x), x in [1/2, 1024): sixteen rows of width 1/32 in [1/2, 1),
+ * sixteen of width 1/16 in [1, 2) and eight per binade above, "low" 56 rows
+ * for lgamma(x), x in [2^-8, 1/2), eight per binade.
  */
 #include <math.h>
 #include <stdio.h>
@@ -117,13 +120,16 @@ static void interpolate(mpfr_t *c, int n, double mid, double lo, double hi, Kind
     mpfr_clears(x, t, w, ctr, pi, (mpfr_ptr)0);
 }
 
-static void split(const mpfr_t v, double *hi, double *lo) {
-    mpfr_t t;
+/* v = hi + lo, hi rounded to `bits` significant bits (53: a double). */
+static void split(const mpfr_t v, double *hi, double *lo, int bits) {
+    mpfr_t t, h;
     mpfr_init2(t, PREC);
-    *hi = mpfr_get_d(v, MPFR_RNDN);
+    mpfr_init2(h, bits);
+    mpfr_set(h, v, MPFR_RNDN);
+    *hi = mpfr_get_d(h, MPFR_RNDN);
     mpfr_sub_d(t, v, *hi, MPFR_RNDN);
     *lo = mpfr_get_d(t, MPFR_RNDN);
-    mpfr_clear(t);
+    mpfr_clears(t, h, (mpfr_ptr)0);
 }
 
 /* One row: fit, round, measure, print. */
@@ -138,11 +144,11 @@ static void row(const char *name, int index, double a, double b, Kind kind, doub
     /* As coefficients of 1, d, ..., d^11 of the value. */
     double k0[2] = {0, 0}, k1[2], rest[DEG + 1];
     if (zero_row) {
-        split(c[0], &k1[0], &k1[1]);
+        split(c[0], &k1[0], &k1[1], 26);
         for (int k = 1; k <= n; ++k) rest[k + 1] = mpfr_get_d(c[k], MPFR_RNDN);
     } else {
-        split(c[0], &k0[0], &k0[1]);
-        split(c[1], &k1[0], &k1[1]);
+        split(c[0], &k0[0], &k0[1], 53);
+        split(c[1], &k1[0], &k1[1], 26);
         for (int k = 2; k <= n; ++k) rest[k] = mpfr_get_d(c[k], MPFR_RNDN);
     }
     /* The relative error of the rounded polynomial. */
@@ -216,12 +222,15 @@ int main(void) {
     for (int j = 0; j < 16; ++j)
         row("main", 16 + j, 1.0 + j / 16.0, 1.0 + (j + 1) / 16.0, LGAMMA, j == 0 ? 1.0 : j == 15 ? 2.0 : none);
     int index = 32;
-    for (int e = 1; e < 4; ++e) {
+    for (int e = 1; e < 10; ++e) {
         for (int j = 0; j < 8; ++j, ++index) {
             const double a = ldexp(1.0 + j / 8.0, e), b = ldexp(1.0 + (j + 1) / 8.0, e);
             row("main", index, a, b, LGAMMA, e == 1 && j == 0 ? 2.0 : none);
         }
     }
+    for (int e = -8, i = 0; e < -1; ++e)
+        for (int j = 0; j < 8; ++j, ++i)
+            row("low", i, ldexp(1.0 + j / 8.0, e), ldexp(1.0 + (j + 1) / 8.0, e), LGAMMA, none);
     stirling();
     mpfr_t v;
     mpfr_init2(v, PREC);
@@ -230,7 +239,7 @@ int main(void) {
     mpfr_log(v, v, MPFR_RNDN);
     mpfr_div_ui(v, v, 2, MPFR_RNDN);
     double hi, lo;
-    split(v, &hi, &lo);
+    split(v, &hi, &lo, 53);
     printf("half_log_two_pi %a %a\n", hi, lo);
     mpfr_clear(v);
     return 0;

@@ -30,7 +30,7 @@ def run_tables():
         exe = str(pathlib.Path(tmp) / "gamma_tables")
         subprocess.run(["cc", "-O2", "-o", exe, str(HERE / "gamma_tables.c"), "-lmpfr", "-lgmp", "-lm"], check=True)
         out = subprocess.run([exe], check=True, capture_output=True, text=True).stdout
-    rows = {"small": {}, "main": {}}
+    rows = {"small": {}, "main": {}, "low": {}}
     stirling, scalars = {}, {}
     for line in out.splitlines():
         f = line.split()
@@ -40,7 +40,7 @@ def run_tables():
             stirling[int(f[1])] = num(f[2])
         else:
             scalars[f[0]] = [num(t) for t in f[1:]]
-    assert len(rows["small"]) == 32 and len(rows["main"]) == 56 and len(stirling) == 7
+    assert len(rows["small"]) == 32 and len(rows["main"]) == 104 and len(rows["low"]) == 56 and len(stirling) == 7
     return rows, stirling, scalars
 
 
@@ -71,7 +71,8 @@ def text(rows, stirling, scalars):
            "",
            "// A row approximates its function on [a, b) by a polynomial in d = x - mid:",
            "//   c0 + c1 d + d^2 (c2 + c3 d + ... + c11 d^9),",
-           "// c0 = c0hi + c0lo and c1 = c1hi + c1lo double-doubles.  In a zero row c0 is",
+           "// c0 = c0hi + c0lo and c1 = c1hi + c1lo double-doubles, c1hi of 26 bits (its",
+           "// products with the halves of a split d are exact).  In a zero row c0 is",
            "// 0 and mid is the zero of the function at an end of the row, so that values",
            "// near it keep their relative accuracy.  The polynomials pass through the",
            "// Chebyshev nodes of their rows (320-bit arithmetic); the errors quoted are",
@@ -83,11 +84,14 @@ def text(rows, stirling, scalars):
     out += table("small", rows["small"], "lgamma(1 + x) for x in [-1/2, 1/2), rows of width 1/32 (row\n"
                  "// 32 x + 16; rows 15 and 16 are zero rows at 0)")
     out.append("")
-    out += table("main", rows["main"], "lgamma(x) for x in [1/2, 16): rows of width 1/32 in [1/2, 1) (row\n"
+    out += table("main", rows["main"], "lgamma(x) for x in [1/2, 1024): rows of width 1/32 in [1/2, 1) (row\n"
                  "// 32 x - 16), of width 1/16 in [1, 2) (row 16 + the top four fraction bits),\n"
                  "// then eight per binade (row 24 + 8 e + the top three fraction bits of x in\n"
-                 "// [2^e, 2^(e+1)), e = 1..3); zero rows at 1 ([31/32, 1), [1, 17/16)) and at\n"
+                 "// [2^e, 2^(e+1)), e = 1..9); zero rows at 1 ([31/32, 1), [1, 17/16)) and at\n"
                  "// 2 ([31/16, 2), [2, 9/4))")
+    out.append("")
+    out += table("low", rows["low"], "lgamma(x) for x in [2^-8, 1/2), eight rows per binade (row 8 (e + 8)\n"
+                 "// + the top three fraction bits of x in [2^e, 2^(e+1)), e = -8..-2)")
     out += ["",
             "// Stirling's series beyond 16: lgamma(x) = (x - 1/2)(log x - 1) + (log(2 pi) - 1)/2",
             "// + S(1/x), S(z) = z (S0 + S1 z^2 + ... + S6 z^12) on z <= 1/16, relative error",
