@@ -59,7 +59,9 @@
 //                   poles (+Inf or 0x7F7FFFEE, either sign).
 //   g_tanq, g_cotq  1355 for both: poles, and Inf or NaN arguments.
 //   g_sinq, g_cosq, g_scnsq  no report: no limit, and Inf or NaN give NaN.
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 #include "elementary/lanes.h"
 #include "elementary/sincos_f.h"
@@ -110,20 +112,19 @@ inline double signed_like(double v, double x) {
 
 [[gnu::cold, gnu::noinline]] float not_finite(float x) { return x != x ? x + x : _NaN_F; }
 
-// The four rows of a unit, by the quadrant (see the top of the file).
-struct alignas(64) Row {
-    double w, v, p[6];
-};
-struct Rows {
-    Row q[4];
+// The four rows of a unit, by the quadrant (see the top of the file),
+// stored by columns: c[j][q] is term j of row q (w, v, then p0..p5), so
+// that the quadrant indexes each load directly (scaled by 8).
+struct alignas(64) Rows {
+    double c[8][4];
 };
 constexpr Rows make_rows(const double (&s)[6], const double (&c)[6]) {
     Rows t{};
     const double w[4] = {1.0, 0.0, -1.0, 0.0}, v[4] = {-0.0, 1.0, -0.0, -1.0};
     for (int q = 0; q < 4; ++q) {
-        t.q[q].w = w[q];
-        t.q[q].v = v[q];
-        for (int i = 0; i < 6; ++i) t.q[q].p[i] = (q & 1) ? c[i] : s[i];
+        t.c[0][q] = w[q];
+        t.c[1][q] = v[q];
+        for (int i = 0; i < 6; ++i) t.c[2 + i][q] = (q & 1) ? c[i] : s[i];
     }
     return t;
 }
@@ -133,19 +134,15 @@ inline constexpr Rows kQuadrantRows = make_rows(units_f_data::kQuadrantSin, unit
 // The pair (sin, cos) of g_scnsq: row q in lane 0, row q + 1 in lane 1,
 // each lane the operations of `series`, so the bits of g_sinq and g_cosq.
 struct PairRow {
-    Lanes w, v, p[6];
+    Lanes c[8];
 };
 struct PairRows {
     PairRow q[4];
 };
 constexpr PairRows make_pairs(const Rows& r) {
     PairRows t{};
-    for (int q = 0; q < 4; ++q) {
-        const Row &a = r.q[q], &b = r.q[(q + 1) & 3];
-        t.q[q].w = Lanes{{a.w, b.w}};
-        t.q[q].v = Lanes{{a.v, b.v}};
-        for (int i = 0; i < 6; ++i) t.q[q].p[i] = Lanes{{a.p[i], b.p[i]}};
-    }
+    for (int q = 0; q < 4; ++q)
+        for (int j = 0; j < 8; ++j) t.q[q].c[j] = Lanes{{r.c[j][q], r.c[j][(q + 1) & 3]}};
     return t;
 }
 inline constexpr PairRows kQuadrantPairs = make_pairs(kQuadrantRows);
@@ -156,64 +153,81 @@ constexpr const Rows& rows_of() {
     return kQuadrantRows;
 }
 
-// sin(90 k + r) in the unit, with k mod 4 choosing the row.  P by pairs
-// of terms (Estrin's scheme): half the dependent steps of Horner's rule,
-// which is what limits the calls that overlap.
-inline double series(const Row& row, double r) {
+// sin(90 k + r) in the unit, row q = k mod 4.  P by pairs of terms
+// (Estrin's scheme): half the dependent steps of Horner's rule, which is
+// what limits the calls that overlap.
+inline double series(const Rows& rows, std::uint32_t q, double r) {
+    const auto& c = opaque(rows).c;
     const double t = r * r;
     const double t2 = t * t;
-    const double a = row.p[0] + t * row.p[1], b = row.p[2] + t * row.p[3], c = row.p[4] + t * row.p[5];
-    return (r * row.w + row.v) * (a + t2 * (b + t2 * c));
+    const double a = c[2][q] + t * c[3][q], b = c[4][q] + t * c[5][q], d = c[6][q] + t * c[7][q];
+    return (r * c[0][q] + c[1][q]) * (a + t2 * (b + t2 * d));
 }
 
-inline constexpr double kFastLimit = 0x1p32;
+// Below 2^32 (float bits 0x4F800000, compared without the sign) the
+// reduction runs in double; the test on the bits keeps it on the integer
+// side, beside the floating-point work.
+inline constexpr std::uint32_t kFastLimitBits = 0x4F800000u;
+inline bool fast(float x) { return std::bit_cast<std::uint32_t>(x) << 1 < kFastLimitBits << 1; }
 
-// k and r below 2^32: degrees the signed argument, quadrants its
-// magnitude.
+// Below 2^32: r, and the row q = k + shift mod 4.  Degrees reduce the
+// signed argument, quadrants its magnitude.  The low word of
+// s = k + 1.5 2^52 is k modulo 2^32 (two's complement).
+struct Small {
+    double r;
+    std::uint32_t q;
+};
 template <const Unit& u>
-inline Reduced reduce_small(double x) {
+inline Small reduce_small(double x, std::uint32_t shift) {
+    double s, r;
     if constexpr (u.degrees) {
-        const double s = x * units::r90 + trig::BG;
-        return {x - (s - trig::BG) * 90.0, trig::low32(s)};
+        s = x * units::r90 + trig::BG;
+        r = x - (s - trig::BG) * 90.0;
     } else {
-        const double s = x + trig::BG;
-        return {x - (s - trig::BG), trig::low32(s)};
+        s = x + trig::BG;
+        r = x - (s - trig::BG);
     }
+    return {r, (trig::low32(s) + shift) & 3u};
 }
 
 template <const Unit& u, bool cosine>
-float sin_cos(float x);
+float sin_cos(const float* arg);
 
 template <bool cosine>
 [[gnu::cold, gnu::noinline]] float refuse_degrees(float x) {
     return report::settle_direct(
-        x, [](float x) { return !units::degrees_refused(x); }, sin_cos<kDegrees, cosine>,
+        x, [](float x) { return !units::degrees_refused(x); }, [](float x) { return sin_cos<kDegrees, cosine>(&x); },
         report::fail(Error::sin_cos_degree_r4, _NaN_F, kSubstitute_F));
 }
 
-// From 2^32 on, and the refused or non-finite arguments.
+// From 2^32 on, and the refused or non-finite arguments.  Called with the
+// export's own operand and convention (noipa), so that the export jumps to
+// it: a call would make every 32-bit call realign its stack.
 template <const Unit& u, bool cosine>
-[[gnu::cold, gnu::noinline]] float sin_cos_large(float x) {
+[[gnu::cold, gnu::noinline]] float sin_cos_large(const float* arg) {
+    const float x = *arg;
     const double xd = x;
     if (refused<u>(xd)) {
         if constexpr (u.degrees) return refuse_degrees<cosine>(x);
         return not_finite(x);
     }
     const Reduced rd = reduce<u>(xd);
-    const double v = series(rows_of<u>().q[(rd.k + (cosine ? 1 : 0)) & 3], rd.r);
+    const double v = series(rows_of<u>(), (rd.k + (cosine ? 1 : 0)) & 3u, rd.r);
     if constexpr (cosine) return static_cast<float>(v);
     return static_cast<float>(signed_like<u>(v, xd));
 }
 
 template <const Unit& u, bool cosine>
-float sin_cos(float x) {
+float sin_cos(const float* arg) {
+    const float x = *arg;
+    if (!fast(x)) return sin_cos_large<u, cosine>(arg);
     const double xd = x;
-    if (!(trig::magnitude(xd) < kFastLimit)) return sin_cos_large<u, cosine>(x);
-    const Reduced rd = reduce_small<u>(u.degrees ? xd : trig::magnitude(xd));
-    const Rows& rows = opaque(rows_of<u>());
-    const double v = series(rows.q[(rd.k + (cosine ? 1 : 0)) & 3], rd.r);
-    if constexpr (cosine) return static_cast<float>(v);
-    return static_cast<float>(signed_like<u>(v, xd));
+    // The quadrant sine of a negative u is the negated sine of |u|: the
+    // row two quadrants on, which negates M exactly (zeros included).
+    const std::uint32_t shift =
+        cosine ? 1u : u.degrees ? 0u : (std::bit_cast<std::uint32_t>(x) >> 31) << 1;
+    const Small sm = reduce_small<u>(u.degrees ? xd : trig::magnitude(xd), shift);
+    return static_cast<float>(series(rows_of<u>(), sm.q, sm.r));
 }
 
 template <const Unit& u, bool cotangent>
@@ -258,12 +272,12 @@ float tan_cot(float x) {
 
 using namespace mivor::elementary;
 
-extern "C" MIVOR_DISPATCHED float g_sind(const float* arg) { return sin_cos<kDegrees, false>(*arg); }
-extern "C" MIVOR_DISPATCHED float g_cosd(const float* arg) { return sin_cos<kDegrees, true>(*arg); }
+extern "C" MIVOR_DISPATCHED float g_sind(const float* arg) { return sin_cos<kDegrees, false>(arg); }
+extern "C" MIVOR_DISPATCHED float g_cosd(const float* arg) { return sin_cos<kDegrees, true>(arg); }
 extern "C" MIVOR_DISPATCHED float g_tand(const float* arg) { return tan_cot<kDegrees, false>(*arg); }
 extern "C" MIVOR_DISPATCHED float g_cotd(const float* arg) { return tan_cot<kDegrees, true>(*arg); }
-extern "C" MIVOR_DISPATCHED float g_sinq(const float* arg) { return sin_cos<kQuadrants, false>(*arg); }
-extern "C" MIVOR_DISPATCHED float g_cosq(const float* arg) { return sin_cos<kQuadrants, true>(*arg); }
+extern "C" MIVOR_DISPATCHED float g_sinq(const float* arg) { return sin_cos<kQuadrants, false>(arg); }
+extern "C" MIVOR_DISPATCHED float g_cosq(const float* arg) { return sin_cos<kQuadrants, true>(arg); }
 extern "C" MIVOR_DISPATCHED float g_tanq(const float* arg) { return tan_cot<kQuadrants, false>(*arg); }
 extern "C" MIVOR_DISPATCHED float g_cotq(const float* arg) { return tan_cot<kQuadrants, true>(*arg); }
 
@@ -273,20 +287,19 @@ extern "C" MIVOR_DISPATCHED float g_cotq(const float* arg) { return tan_cot<kQua
 extern "C" MIVOR_DISPATCHED mivor_complex4* g_scnsq(mivor_complex4* result, const float* arg) {
     const float x = *arg;
     const double xd = x;
-    const double au = trig::magnitude(xd);
-    if (!(au < kFastLimit)) {
-        result->re = sin_cos_large<kQuadrants, false>(x);
-        result->im = sin_cos_large<kQuadrants, true>(x);
+    if (!fast(x)) {
+        result->re = sin_cos_large<kQuadrants, false>(arg);
+        result->im = sin_cos_large<kQuadrants, true>(arg);
         return result;
     }
-    const Reduced rd = reduce_small<kQuadrants>(au);
-    const PairRow& row = opaque(kQuadrantPairs).q[rd.k & 3];
-    const __m128d r = _mm_set1_pd(rd.r), t = _mm_mul_pd(r, r), t2 = _mm_mul_pd(t, t);
-    const __m128d a = _mm_add_pd(lanes(row.p[0]), _mm_mul_pd(t, lanes(row.p[1])));
-    const __m128d b = _mm_add_pd(lanes(row.p[2]), _mm_mul_pd(t, lanes(row.p[3])));
-    const __m128d c = _mm_add_pd(lanes(row.p[4]), _mm_mul_pd(t, lanes(row.p[5])));
-    const __m128d p = _mm_add_pd(a, _mm_mul_pd(t2, _mm_add_pd(b, _mm_mul_pd(t2, c))));
-    __m128d v = _mm_mul_pd(_mm_add_pd(_mm_mul_pd(r, lanes(row.w)), lanes(row.v)), p);
+    const Small sm = reduce_small<kQuadrants>(trig::magnitude(xd), 0);
+    const Lanes* c = opaque(kQuadrantPairs).q[sm.q].c;
+    const __m128d r = _mm_set1_pd(sm.r), t = _mm_mul_pd(r, r), t2 = _mm_mul_pd(t, t);
+    const __m128d a = _mm_add_pd(lanes(c[2]), _mm_mul_pd(t, lanes(c[3])));
+    const __m128d b = _mm_add_pd(lanes(c[4]), _mm_mul_pd(t, lanes(c[5])));
+    const __m128d d = _mm_add_pd(lanes(c[6]), _mm_mul_pd(t, lanes(c[7])));
+    const __m128d p = _mm_add_pd(a, _mm_mul_pd(t2, _mm_add_pd(b, _mm_mul_pd(t2, d))));
+    __m128d v = _mm_mul_pd(_mm_add_pd(_mm_mul_pd(r, lanes(c[0])), lanes(c[1])), p);
     v = _mm_xor_pd(v, trig::sign_of(xd));  // the sine (lane 0) takes the sign of u
     const __m128 f = _mm_cvtpd_ps(v);
     result->re = _mm_cvtss_f32(f);
