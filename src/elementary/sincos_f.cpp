@@ -128,28 +128,54 @@ extern "C" MIVOR_DISPATCHED float g_cotan(const float* arg) { return tan_or_cot<
 // g_scns: (sin x, cos x) from one reduction and both polynomials, the same
 // bits as g_sin and g_cos; a refused argument goes to the two single
 // functions, so it is reported twice (202), each half with its own retry.
+//
+// The pair stays in one register from the polynomials to the store: the
+// quadrant k exchanges the lanes when odd and sets their signs (sin: k = 2,
+// 3 negative; cos: k = 1, 2), both chosen by masks from a row of k & 3, as
+// random quadrants would mispredict a branch; one conversion rounds both
+// lanes to REAL(4) as the single functions' conversions do.  The reduction
+// has no short cut below pi/4 here: with k = 0 it gives r = |x| exactly, and
+// the test costs a pair more than it saves.
+namespace mivor::elementary {
+namespace {
+
+struct alignas(16) PairQuadrant {
+    std::uint64_t swap[2];  // all ones: the lanes exchange
+    std::uint64_t sign[2];  // the sign bits of (sin, cos) in this quadrant
+};
+inline constexpr std::uint64_t kAll = ~std::uint64_t{0}, kSignBit = std::uint64_t{1} << 63;
+inline constexpr PairQuadrant kPairQuadrants[4] = {
+    {{0, 0}, {0, 0}},
+    {{kAll, kAll}, {0, kSignBit}},
+    {{0, 0}, {kSignBit, kSignBit}},
+    {{kAll, kAll}, {kSignBit, 0}},
+};
+
+[[gnu::cold, gnu::noinline]] mivor_complex4* refused_pair(mivor_complex4* result, float x) {
+    const float s = sin_or_cos<false>(x);
+    const float c = sin_or_cos<true>(x);
+    result->re = s;
+    result->im = c;
+    return result;
+}
+
+}  // namespace
+}  // namespace mivor::elementary
+
 extern "C" MIVOR_DISPATCHED mivor_complex4* g_scns(mivor_complex4* result, const float* arg) {
     const float x = *arg;
     const double xd = x;
     const double a = trig::magnitude(xd);
-    if (!(a < double(max))) {
-        const float s = sin_or_cos<false>(x);
-        const float c = sin_or_cos<true>(x);
-        result->re = s;
-        result->im = c;
-        return result;
-    }
-    const SinCos rc = reduce(a);
-    const __m128d both = sincos_f::sin_cos_poly(rc.r);
-    const double s = _mm_cvtsd_f64(both), c = _mm_cvtsd_f64(_mm_unpackhi_pd(both, both));
-    // Chosen by masks: random quadrants would mispredict a branch.
-    const std::uint32_t n = rc.k;
-    const __m128d odd = _mm_castsi128_pd(_mm_set1_epi32(-static_cast<std::int32_t>(n & 1)));
-    const __m128d sv = _mm_set_sd(s), cv = _mm_set_sd(c);
-    const __m128d first = _mm_or_pd(_mm_and_pd(odd, cv), _mm_andnot_pd(odd, sv));
-    const __m128d second = _mm_or_pd(_mm_and_pd(odd, sv), _mm_andnot_pd(odd, cv));
-    const __m128d sign = _mm_xor_pd(_mm_load_sd(&kQuadrantSign[n & 3]), trig::sign_of(xd));
-    result->re = static_cast<float>(_mm_cvtsd_f64(_mm_xor_pd(first, sign)));
-    result->im = static_cast<float>(_mm_cvtsd_f64(_mm_xor_pd(second, _mm_load_sd(&kQuadrantSign[(n + 1) & 3]))));
+    if (!(a < double(max))) return refused_pair(result, x);
+    const double s = a * trig::RHP + trig::BG;
+    const double kd = s - trig::BG;
+    const double r = ((a - kd * FP1) - kd * FP2) - kd * FP3;
+    const PairQuadrant& q = opaque(kPairQuadrants)[trig::low32(s) & 3];
+    const __m128d both = sincos_f::sin_cos_poly(r);
+    const __m128d crossed = _mm_shuffle_pd(both, both, 1);
+    const __m128d swap = _mm_load_pd(reinterpret_cast<const double*>(q.swap));
+    const __m128d v = _mm_or_pd(_mm_and_pd(swap, crossed), _mm_andnot_pd(swap, both));
+    const __m128d sign = _mm_xor_pd(_mm_load_pd(reinterpret_cast<const double*>(q.sign)), trig::sign_of(xd));
+    _mm_storel_pi(reinterpret_cast<__m64*>(result), _mm_cvtpd_ps(_mm_xor_pd(v, sign)));
     return result;
 }
