@@ -192,6 +192,49 @@ TEST(Units, LargeArgumentsReduceExactly) {
     }
 }
 
+// REAL(4): below 2^32 the argument is reduced in double with k from x/90
+// rounded, above it on integers; the quadrant sine takes the row two
+// quadrants on for a negative u.  Across that border each result must be
+// the one of the same angle below 360 degrees, bit for bit; next to the
+// odd multiples of 45 degrees, where x/90 is next to a half-integer and k
+// may be either neighbour, within an ulp of an extended-precision
+// reference; and sinq(-u) is -sinq(u), zeros included.
+std::uint32_t ulps4(float a, float b) {  // same sign
+    return bits(a) > bits(b) ? bits(a) - bits(b) : bits(b) - bits(a);
+}
+TEST(Units, RealFourReduction) {
+    std::uint64_t s = 29;
+    for (int i = 0; i < 4000; ++i) {
+        s = s * 6364136223846793005u + 1442695040888963407u;
+        const float x = std::ldexp(static_cast<float>((s >> 41) | (1u << 23)), 7 + static_cast<int>(s % 4));
+        const std::uint64_t n = static_cast<std::uint64_t>(x) % 360u;
+        if (n % 90u == 45u) continue;  // a tie may take either neighbour
+        const float small = static_cast<float>(n);
+        for (int f = 0; f < 2; ++f) {
+            EXPECT_EQ(bits(call(kDegrees4[f], x)), bits(call(kDegrees4[f], small))) << f << " x=" << x;
+            EXPECT_EQ(bits(call(kDegrees4[f], -x)), bits(call(kDegrees4[f], n == 0 ? -360.0f : -small)))
+                << f << " x=" << -x;
+        }
+    }
+    const long double pi = 3.14159265358979323846264338327950288L;
+    for (long j = 0; j < 186000; j += 373) {
+        float x = 45.0f * static_cast<float>(2 * j + 1);
+        for (int k = 0; k < 3; ++k) x = std::nextafter(x, 0.0f);
+        for (int k = 0; k < 7; ++k, x = std::nextafter(x, 1e30f)) {
+            const long double a = std::fmod(static_cast<long double>(x), 360.0L) * (pi / 180);
+            EXPECT_LE(ulps4(call(g_sind, x), static_cast<float>(std::sin(a))), 1u) << x;
+            EXPECT_LE(ulps4(call(g_cosd, -x), static_cast<float>(std::cos(a))), 1u) << x;
+            const float u = x * 0x1p-10f;
+            const long double b = std::fmod(static_cast<long double>(u), 4.0L) * (pi / 2);
+            if (u != std::floor(u)) {  // integers: exact zeros, checked above
+                EXPECT_LE(ulps4(call(g_sinq, u), static_cast<float>(std::sin(b))), 1u) << u;
+            }
+            EXPECT_EQ(bits(call(g_sinq, -u)), bits(call(g_sinq, u)) ^ 0x80000000u) << u;
+            EXPECT_EQ(bits(call(g_cosq, -u)), bits(call(g_cosq, u))) << u;
+        }
+    }
+}
+
 TEST(Units, OddAndEven) {
     std::uint64_t s = 5;
     for (int i = 0; i < 2000; ++i) {
