@@ -1540,7 +1540,7 @@ constexpr Reference kReferences[] = {
     {"g_acosd", acosd, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_scaled<fast_acos, kDegreesPerRadian>, kGlibcBits},
     {"g_atand", atand, {interval(-kFmax, kFmax)}, {}, 0.5, kUnbounded, fast_scaled<fast_atan, kDegreesPerRadian>, kGlibcBits},
     {"g_atan2d", atan2d, {interval(-kFmax, kFmax), interval(-kFmax, kFmax)}, kAtan2Hard, 0.5},
-    {"g_asinq", asinq, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_scaled<fast_asin, kQuadrantsPerRadian>, kGlibcBits},
+    {"g_asinq", asinq, {interval(-1.0, 1.0)}, {}, 0.501, kUnbounded, fast_scaled<fast_asin, kQuadrantsPerRadian>, kGlibcBits},
     {"g_acosq", acosq, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_scaled<fast_acos, kQuadrantsPerRadian>, kGlibcBits},
     {"g_atanq", atanq, {interval(-kFmax, kFmax)}, {}, 0.5, kUnbounded, fast_scaled<fast_atan, kQuadrantsPerRadian>, kGlibcBits},
     {"g_atan2q", atan2q, {interval(-kFmax, kFmax), interval(-kFmax, kFmax)}, kAtan2Hard, 0.5},
