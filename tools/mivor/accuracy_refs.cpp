@@ -1542,7 +1542,7 @@ constexpr Reference kReferences[] = {
     {"g_atan2d", atan2d, {interval(-kFmax, kFmax), interval(-kFmax, kFmax)}, kAtan2Hard, 0.5},
     {"g_asinq", asinq, {interval(-1.0, 1.0)}, {}, 0.501, kUnbounded, fast_scaled<fast_asin, kQuadrantsPerRadian>, kGlibcBits},
     {"g_acosq", acosq, {interval(-1.0, 1.0)}, {}, 0.5, kUnbounded, fast_scaled<fast_acos, kQuadrantsPerRadian>, kGlibcBits},
-    {"g_atanq", atanq, {interval(-kFmax, kFmax)}, {}, 0.5, kUnbounded, fast_scaled<fast_atan, kQuadrantsPerRadian>, kGlibcBits},
+    {"g_atanq", atanq, {interval(-kFmax, kFmax)}, {}, 0.501, kUnbounded, fast_scaled<fast_atan, kQuadrantsPerRadian>, kGlibcBits},
     {"g_atan2q", atan2q, {interval(-kFmax, kFmax), interval(-kFmax, kFmax)}, kAtan2Hard, 0.5},
 
     // Circular functions of degrees and quadrants, references exact in the
